@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Installs what the build needs on Debian 12 when it is missing.
+set -eu
+need=()
+command -v x86_64-w64-mingw32-g++-posix >/dev/null || need+=(g++-mingw-w64-x86-64-posix)
+command -v wine >/dev/null || need+=(wine)
+dpkg -s wine64 >/dev/null 2>&1 || need+=(wine64)
+command -v cmake >/dev/null || need+=(cmake)
+[ -f /usr/src/googletest/CMakeLists.txt ] || need+=(googletest)
+command -v make >/dev/null || need+=(make)
+command -v zip >/dev/null || need+=(zip)
+[ ${#need[@]} -eq 0 ] && exit 0
+sudo=""
+[ "$(id -u)" -eq 0 ] || sudo=sudo
+echo "Installing: ${need[*]}"
+$sudo apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${need[@]}" >/dev/null

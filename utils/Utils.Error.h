@@ -1,0 +1,112 @@
+#pragma once
+// Failure texts, error descriptions and the failure box.
+//
+// Every failure inside the library is thrown as one std::wstring that already holds the whole
+// composed text: where it happened (signature, source file, line), what happened and, when asked,
+// the thread's last system error. Throw sites use TOVARIN_THROW, which captures the site as raw
+// values; the text is built only on the failure path.
+#include <string>
+
+namespace Utils {
+namespace Error {
+
+// A place in the source: the function's signature text (spelled as the failure texts show it),
+// the source file (__FILE__; texts show its base name) and the line.
+struct Site {
+    const char* signature;
+    const char* file;
+    int line;
+};
+
+// The file name with its extension, without the folders of the build machine.
+const char* BaseName(const char* path) noexcept;
+
+// "File: \"<base name>\"\r\nLine: <line>\r\n".
+std::string LocationA(const Site& site);
+
+// The where-text of a site: signature + markers + "\r\n" + location, as UTF-16.
+// `markers` is "[f]" for a function, "[f][d]" for a failure detected by a checker.
+std::wstring WhereW(const Site& site, const char* markers = "[f]");
+
+// Composes the failure text of `site` with `message` and throws it as std::wstring.
+// `lastError` is the thread's last error as it was right after the failing call; it is put back
+// before the composer asks for it, so building the message cannot disturb it.
+[[noreturn]] void ThrowAt(const Site& site, const char* markers, const std::wstring& message, bool withLastError,
+                          unsigned long lastError);
+
+// Description of the thread's last error. The bool form (the composer's) reduces the code to 1 or
+// 0 deliberately; the long form routes network codes 12001..12175 to InternetW. The other type
+// branches (unsigned short: common dialogs; int: shell) live with the description tables.
+template <class T>
+std::wstring DescriptionW(T value);
+template <>
+std::wstring DescriptionW<bool>(bool withLastError);
+template <>
+std::wstring DescriptionW<long>(long);
+template <class T>
+std::string DescriptionA(T value);
+template <>
+std::string DescriptionA<bool>(bool withLastError);
+
+// The system layout of one code: "\nLast Error: <code>.\n<system text>\n".
+std::wstring SystemDescriptionW(unsigned long code);
+std::string SystemDescriptionA(unsigned long code);
+
+// Bilingual tables (network, common dialog, shell).
+std::wstring InternetW(const long code);
+std::string InternetA(const long code);
+
+} // namespace Error
+} // namespace Utils
+
+// Turns a where-text and a message into the sentence a failure box shows.
+std::wstring ComposeFailureTextW(std::wstring where, const std::wstring& text, bool withLastError);
+std::string ComposeFailureTextA(std::string where, const std::string& text, bool withLastError);
+
+std::wstring CommonDialogDescriptionW(unsigned long code);
+std::string CommonDialogDescriptionA(unsigned long code);
+std::wstring ShellOperationDescriptionW(int code);
+
+// The failure box: MessageBoxTimeoutW/A looked up at each call in the already loaded User32.dll.
+// Throws a three-line wide text when User32.dll is not loaded; returns silently when it lacks the
+// timed-box export.
+void ShowMessageW(const wchar_t* text, const wchar_t* caption, unsigned int style, unsigned long timeout);
+void ShowMessageA(const char* text, const char* caption);
+// Caption first, text second: reversed against ShowMessageW, deliberately.
+void ShowNoticeW(std::wstring caption, std::wstring text); // style 0x52040
+void ShowErrorW(std::wstring caption, std::wstring text);  // style 0x50010
+void ShowErrorA(std::string caption, std::string text);    // style 0x50010
+
+namespace Utils {
+namespace Error {
+namespace detail {
+// The show functions with the module and export names as parameters, so that tests can ask for a
+// module that is not loaded or an export that does not exist.
+void ShowMessageVia(const wchar_t* module, const char* procName, const wchar_t* text, const wchar_t* caption,
+                    unsigned int style, unsigned long timeout);
+void ShowMessageViaA(const wchar_t* module, const char* procName, const char* text, const char* caption);
+} // namespace detail
+
+constexpr unsigned int kNoticeStyle = 0x52040; // MB_ICONINFORMATION|MB_TASKMODAL|MB_SETFOREGROUND|MB_TOPMOST
+constexpr unsigned int kErrorStyle = 0x50010;  // MB_ICONERROR|MB_SETFOREGROUND|MB_TOPMOST
+} // namespace Error
+} // namespace Utils
+
+// The one way to throw: TOVARIN_THROW(signature text, with last error?, message expression).
+// The last error is saved before the message is built.
+#define TOVARIN_THROW_MARKED(signature, markers, withLastError, message)                                         \
+    do {                                                                                                         \
+        const unsigned long tovarinLastError_ = ::Utils::Error::detail::LastError();                           \
+        ::Utils::Error::ThrowAt(::Utils::Error::Site{signature, __FILE__, __LINE__}, markers, (message),        \
+                                (withLastError), tovarinLastError_);                                            \
+    } while (0)
+#define TOVARIN_THROW(signature, withLastError, message) TOVARIN_THROW_MARKED(signature, "[f]", withLastError, message)
+#define TOVARIN_SITE(signature) (::Utils::Error::Site{signature, __FILE__, __LINE__})
+
+namespace Utils {
+namespace Error {
+namespace detail {
+unsigned long LastError() noexcept;
+} // namespace detail
+} // namespace Error
+} // namespace Utils
