@@ -92,6 +92,10 @@ constexpr unsigned int kErrorStyle = 0x50010;  // MB_ICONERROR|MB_SETFOREGROUND|
 } // namespace Error
 } // namespace Utils
 
+// The spelling of the wide string type inside signature texts.
+#define TOVARIN_WSTRING "class std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class std::allocator<wchar_t> >"
+#define TOVARIN_STRING "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> >"
+
 // The one way to throw: TOVARIN_THROW(signature text, with last error?, message expression).
 // The last error is saved before the message is built.
 #define TOVARIN_THROW_MARKED(signature, markers, withLastError, message)                                         \
