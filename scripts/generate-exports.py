@@ -1,0 +1,657 @@
+#!/usr/bin/env python3
+"""The one list of Tovarin's 100 exports and the files made from it.
+
+Writes include/Tovarin.h (C prototypes), tests/support/ExportTable.h (the table that code and
+tests share) and mql5/Include/Tovarin.mqh (the MQL5 imports). The outputs are committed as
+plain sources: the build never runs this script. After editing the list:
+
+    scripts/generate-exports.py            # rewrite the three files (C/C++ through clang-format)
+    scripts/generate-exports.py --check    # fail when a committed file differs from the list
+    scripts/generate-exports.py --def      # print the EXPORTS section of a module-definition file
+"""
+import argparse
+import os
+import subprocess
+import sys
+from collections import namedtuple
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+
+# ---------------------------------------------------------------------------------------------
+# Families: header group title, the group's comment (what it does, result after a failure).
+Family = namedtuple("Family", "key title comment")
+FAMILIES = [
+    Family("Open", "Open and create",
+           ["(path, access, share): access and share mode as CreateFileW takes them, or TOVARIN_DEFAULT",
+            "for read and write access shared for reading and writing. Missing folders are created.",
+            "Result: the file's handle for every later call; null on failure."]),
+    Family("Handle", "Whole-file operations on an open handle",
+           ["The void functions report a failure only by the message box."]),
+    Family("Write", "Writing single values and text at the file pointer",
+           ["The value's raw little-endian bytes, no tag, length or terminator.",
+            "Result: the number of bytes written; -1 on failure."]),
+    Family("Read", "Reading single values and text at the file pointer",
+           ["Result: the value; 0, false, 0.0 or null on failure. At the end of the file a scalar",
+            "read also gives 0: the count that arrived is not reported."]),
+    Family("Raw", "Raw blocks",
+           ["Result: the number of bytes transferred; TOVARIN_FAILED_COUNT on failure."]),
+    Family("Array", "Typed arrays",
+           ["(handle, array, size, start, count): elements start .. start + count - 1 of an array of",
+            "size elements, back to back; a count of TOVARIN_TO_END, or one running past the end, means",
+            "to the end of the array.",
+            "Result: the number of whole elements transferred; TOVARIN_FAILED_COUNT on failure."]),
+    Family("StrArray", "String arrays as CR LF lines",
+           ["8-bit lines (A, MA) are moved unconverted; UTF-16LE lines (W, MW). A read takes the whole",
+            "rest of the file and leaves the pointer at its end; lines beyond count are lost.",
+            "Result: the number of strings handled; TOVARIN_FAILED_COUNT on failure."]),
+    Family("Path", "Path operations by name",
+           ["Result: 1 on success, 0 on failure; the void link functions report a failure only by",
+            "the message box."]),
+    Family("PathByHandle", "Path operations on an open file",
+           ["Result: 1 on success, 0 on failure; the void link functions report a failure only by",
+            "the message box."]),
+]
+FAMILY_KEYS = [f.key for f in FAMILIES]
+
+# ---------------------------------------------------------------------------------------------
+# The exports in the order of the exports' source file. Types are spelled as the C++ source
+# declares them; `{ch}` is char/wchar_t and `{S}` is A/W in the twins made by `pair`.
+# `{t}` in a comment names the type `about` in the language of the file.
+Export = namedtuple("Export", "name result params neutral family comment about")
+EXPORTS = []
+ALL_BITS = "18446744073709551615"
+
+
+def one(name, result, params, neutral, family, comment, about=None):
+    assert family in FAMILY_KEYS, family
+    parsed = []
+    for text in params.split(","):
+        ctype, pname = text.strip().rsplit(" ", 1)
+        stars = len(pname) - len(pname.lstrip("*"))  # "char **name": type "char **", name "name"
+        if stars:
+            ctype, pname = ctype + " " + "*" * stars, pname[stars:]
+        parsed.append((ctype, pname))
+    EXPORTS.append(Export(name, result, parsed, neutral, family, comment, about))
+
+
+def pair(stem, result, params, neutral, family, comment):
+    for suffix, ch in (("A", "char"), ("W", "wchar_t")):
+        one(stem + suffix, result.format(ch=ch, S=suffix), params.format(ch=ch, S=suffix), neutral, family,
+            comment if suffix == "A" else None)
+
+
+pair("FileCheck", "int", "const {ch} *path", "0", "Path",
+     "1 when the path names an existing file (wildcards allowed); 0 for a folder or a missing path.")
+pair("FileCopy", "int", "const {ch} *from, const {ch} *to", "0", "Path",
+     "Copies a file, silently; missing folders of the target are created.")
+pair("FileDelete", "int", "const {ch} *path", "0", "Path", "Deletes a file, silently.")
+pair("FileHardLink", "void", "const {ch} *path, const {ch} *link", "none", "Path",
+     "Makes link a hard link to the file path; both on one drive.")
+pair("FileMove", "int", "const {ch} *from, const {ch} *to", "0", "Path", "Moves or renames a file, silently.")
+pair("FileSymbolicLink", "int", "const {ch} *path, const {ch} *link", "0", "Path",
+     "Makes link a symbolic link to path.")
+one("FileClear", "void", "void *const handle", "none", "Handle",
+    "Empties the file, leaving the pointer at 0; an empty file is left untouched.")
+one("FileCloseHandle", "void", "void *const handle", "none", "Handle",
+    "Closes the file; the handle is unknown to every function afterwards.")
+pair("FileCopyByHandle", "int", "void *const handle, const {ch} *to", "0", "PathByHandle",
+     "Copies the open file to another path.")
+one("FileDeleteByHandle", "void", "void *const handle", "none", "Handle", "Closes the file and deletes it.")
+one("FileFlushApply", "void", "void *const handle", "none", "Handle", "Writes the file's buffers to disk.")
+one("FileGetSize", "unsigned __int64", "void *const handle", "0", "Handle",
+    "The size in bytes, deliberately the low 32 bits sign-extended (wrong from 2 GiB on); 0 on failure.")
+pair("FileHardLinkByHandle", "void", "void *const handle, const {ch} *link", "none", "PathByHandle",
+     "Makes link a hard link to the open file; both on one drive.")
+pair("FileMoveByHandle", "int", "void *const handle, const {ch} *to", "0", "PathByHandle",
+     "Moves the open file to another path.")
+one("FileResize", "void", "void *const handle, const unsigned __int64 size", "none", "Handle",
+    "Sets the file's size in bytes.")
+pair("FileSymbolicLinkByHandle", "int", "void *const handle, const {ch} *link", "0", "PathByHandle",
+     "Makes a symbolic link between the open file's path and link.")
+for stem, comment in (("FileCreateAlways", "Creates the file, replacing an existing one."),
+                      ("FileCreateNew", "Creates the file; fails when it exists."),
+                      ("FileOpenAlways", "Opens the file, creating it when it is missing."),
+                      ("FileOpenExisting", "Opens an existing file."),
+                      ("FileOpenTruncate", "Opens an existing file and empties it.")):
+    pair(stem, "void *", "const {ch} *path, const unsigned long access, const unsigned long share", "null", "Open",
+         comment)
+one("FileGetPointer", "__int64", "void *const handle", "-1", "Handle", "The file pointer's position; -1 on failure.")
+for origin in ("Begin", "Current", "End"):
+    one("FileSetPointer" + origin, "__int64", "void *const handle, const int distance", "-1", "Handle",
+        "Moves the pointer by a 32-bit distance from the %s; the new position, -1 on failure."
+        % {"Begin": "start", "Current": "current position", "End": "end"}[origin])
+
+# Scalars: export stem, C type, bytes in the file.
+SCALARS = [("Boolean", "bool", 1), ("Char", "char", 1), ("UChar", "unsigned char", 1), ("Short", "short", 2),
+           ("UShort", "unsigned short", 2), ("Int", "int", 4), ("UInt", "unsigned int", 4),
+           ("Int64", "__int64", 8), ("UInt64", "unsigned __int64", 8), ("Flt", "float", 4), ("Dbl", "double", 8)]
+# Array elements: export stem, C type.
+ELEMENTS = [("Bool", "bool"), ("Char", "char"), ("UChar", "unsigned char"), ("Short", "short"),
+            ("UShort", "unsigned short"), ("Int", "int"), ("UInt", "unsigned int"), ("Long", "__int64"),
+            ("ULong", "unsigned __int64"), ("Float", "float"), ("Double", "double")]
+SLICE = "const unsigned __int64 size, const unsigned __int64 start, unsigned __int64 count"
+SLICE_CONST = "const unsigned __int64 size, const unsigned __int64 start, const unsigned __int64 count"
+
+
+def plural(bytes_):
+    return "1 byte" if bytes_ == 1 else "%d bytes" % bytes_
+
+
+for stem, ctype, size in SCALARS:
+    one("FileWrite" + stem, "int", "void *const handle, const %s value" % ctype, "-1", "Write",
+        "Writes one {t} (%s)." % plural(size), ctype)
+pair("FileWriteString", "int", "void *const handle, const {ch} *text", "-1", "Write",
+     "Writes the text's characters without terminator: 8-bit unconverted (A), UTF-16LE (W).")
+for stem, ctype in ELEMENTS:
+    # The float and double writers take a pointer to constant elements, the others a constant pointer.
+    array = "const %s *array" % ctype if ctype in ("float", "double") else "%s *const array" % ctype
+    one("FileWrite%sArray" % stem, "unsigned __int64", "void *const handle, %s, %s" % (array, SLICE),
+        ALL_BITS, "Array", "Writes {t} elements.", ctype)
+pair("FileWriteStrArray", "unsigned __int64", "void *const handle, const {ch} **strings, " + SLICE, ALL_BITS,
+     "StrArray", "Writes zero-terminated strings, one line each.")
+pair("FileWriteStrArrayM", "unsigned __int64", "void *const handle, struct MT::_MQLSTR{S} *const records, " +
+     SLICE_CONST, ALL_BITS, "StrArray",
+     "Writes host string records, one line each, without trailing zeros, spaces, tabs, CR and LF.")
+for stem, ctype, size in SCALARS:
+    neutral = {"bool": "false", "float": "0.0", "double": "0.0"}.get(ctype, "0")
+    one("FileRead" + stem, ctype, "void *const handle", neutral, "Read",
+        "Reads one {t} (%s)." % plural(size), ctype)
+pair("FileReadString", "{ch} *", "void *const handle, const unsigned __int64 size", "null", "Read",
+     "Reads size characters less trailing zeros and blanks; the text (A: its address) lasts until the "
+     "next call.")
+for stem, ctype in ELEMENTS:
+    one("FileRead%sArray" % stem, "unsigned __int64", "void *const handle, %s *array, %s" % (ctype, SLICE),
+        ALL_BITS, "Array", "Reads {t} elements.", ctype)
+pair("FileReadStrArray", "unsigned __int64",
+     "void *const handle, {ch} **strings, const unsigned __int64 size, const unsigned __int64 capacity, "
+     "const unsigned __int64 start, const unsigned __int64 count", ALL_BITS, "StrArray",
+     "Reads lines into zero-filled buffers of capacity characters each, without terminator.")
+pair("FileReadStrArrayM", "unsigned __int64", "void *const handle, struct MT::_MQLSTR{S} *records, " + SLICE_CONST,
+     ALL_BITS, "StrArray", "Reads lines into host string records, cut and terminated within each buffer.")
+pair("FileCompleted", "unsigned __int64",
+     "const {ch} *path, const unsigned short access, const int share, const __int64 reserved1, "
+     "const unsigned short reserved2, const unsigned long reserved3, void *reserved4, "
+     "const unsigned __int64 reserved5", "0", "Path",
+     "Reserved: refuses every access value with the message box and returns 0; opens nothing.")
+one("FileReadVoid", "unsigned __int64", "void *const handle, void *buffer, const unsigned __int64 count", ALL_BITS,
+    "Raw", "Reads count bytes into the buffer.")
+one("FileWriteVoid", "unsigned __int64", "void *const handle, const void *buffer, const unsigned __int64 count",
+    ALL_BITS, "Raw", "Writes count bytes from the buffer.")
+
+assert len(EXPORTS) == 100, len(EXPORTS)
+assert len({e.name for e in EXPORTS}) == 100
+
+# ---------------------------------------------------------------------------------------------
+# Derived spellings.
+RESULT_KINDS = {"void": "Void", "bool": "Bool", "char": "Char", "unsigned char": "UChar", "short": "Short",
+                "unsigned short": "UShort", "int": "Int", "unsigned int": "UInt", "__int64": "Int64",
+                "unsigned __int64": "UInt64", "float": "Float", "double": "Double", "void *": "Handle",
+                "char *": "TextA", "wchar_t *": "TextW"}
+RESULT_WIDTH = {"void": 0, "bool": 1, "char": 1, "unsigned char": 1, "short": 2, "unsigned short": 2, "int": 4,
+                "unsigned int": 4, "__int64": 8, "unsigned __int64": 8, "float": 4, "double": 8, "void *": 8,
+                "char *": 8, "wchar_t *": 8}
+SCALAR_ARG_KINDS = {"bool": "Bool", "char": "Char", "unsigned char": "UChar", "short": "Short",
+                    "unsigned short": "UShort", "int": "Int", "unsigned int": "UInt", "unsigned long": "ULong",
+                    "__int64": "Int64", "unsigned __int64": "UInt64", "float": "Float", "double": "Double"}
+MQL_SCALARS = {"bool": "bool", "char": "char", "unsigned char": "uchar", "short": "short",
+               "unsigned short": "ushort", "int": "int", "unsigned int": "uint", "unsigned long": "uint",
+               "__int64": "long", "unsigned __int64": "ulong", "float": "float", "double": "double"}
+
+
+def arg_kind(ctype):
+    bare = ctype[len("const "):] if ctype.startswith("const ") else ctype
+    if ctype == "void *const":
+        return "Handle"
+    if ctype in ("void *", "const void *"):
+        return "VoidPtr"
+    if ctype == "const char *":
+        return "TextA"
+    if ctype == "const wchar_t *":
+        return "TextW"
+    if "_MQLSTRA" in ctype or "_MQLSTRW" in ctype:
+        return "MqlStrA" if "_MQLSTRA" in ctype else "MqlStrW"
+    if "*" in ctype:
+        return "PtrArray"
+    return SCALAR_ARG_KINDS[bare]
+
+
+def signature(e):
+    """The text MSVC's __FUNCSIG__ gives for the declaration."""
+    args = ",".join(t + " " if t.endswith("*const") else t for t, _ in e.params)
+    joint = "" if e.result.endswith("*") else " "
+    return "%s%s__cdecl %s(%s)" % (e.result, joint, e.name, args)
+
+
+def neutral_bits(e):
+    if e.neutral in ("0", "false", "0.0", "null", "none"):
+        return 0
+    if e.neutral == "-1":
+        return (1 << (8 * RESULT_WIDTH[e.result])) - 1
+    assert e.neutral == ALL_BITS and e.result == "unsigned __int64"
+    return (1 << 64) - 1
+
+
+def c_type(ctype):
+    return ctype.replace("struct MT::_MQLSTRA", "TovarinMqlStrA").replace("struct MT::_MQLSTRW", "TovarinMqlStrW")
+
+
+def mql_param(e, ctype, pname):
+    if ctype == "void *const":
+        return "long " + pname
+    if ctype == "const wchar_t *":
+        return "string " + pname
+    if ctype == "const char *":
+        return "const uchar &%s[]" % pname
+    if ctype in ("void *", "const void *"):
+        return "%suchar &%s[]" % ("const " if ctype.startswith("const") else "", pname)
+    if ctype.endswith("**"):
+        return "long &%s[]" % pname
+    if "_MQLSTRW" in ctype:
+        return "string &%s[]" % pname
+    if "_MQLSTRA" in ctype:
+        return "TovarinMqlStrA &%s[]" % pname
+    if "*" in ctype:
+        element = ctype.replace("*const", "").replace("*", "").strip()
+        const = element.startswith("const ")
+        element = element[len("const "):] if const else element
+        return "%s%s &%s[]" % ("const " if const else "", MQL_SCALARS[element], pname)
+    bare = ctype[len("const "):] if ctype.startswith("const ") else ctype
+    return "%s %s" % (MQL_SCALARS[bare], pname)
+
+
+def mql_result(result):
+    return {"void": "void", "void *": "long", "char *": "long", "wchar_t *": "string"}.get(result) or \
+        MQL_SCALARS[result]
+
+
+def family_groups():
+    for family in FAMILIES:
+        yield family, [e for e in EXPORTS if e.family == family.key]
+
+
+def comments_of(group):
+    """(comment, exports) runs: a twin shares the comment of its A export."""
+    runs = []
+    for e in group:
+        if e.comment is None:
+            runs[-1][1].append(e)
+        else:
+            runs.append((e.comment, [e]))
+    return runs
+
+
+def comment_text(exports, language_type):
+    """The comment of a run of exports with `{t}` in the file's language."""
+    about = exports[0].about
+    return exports[0].comment.format(t=language_type(about) if about else "")
+
+
+# ---------------------------------------------------------------------------------------------
+GENERATED = "Generated by scripts/generate-exports.py from its export list: edit the list there."
+
+HEADER_TOP = """\
+/* Tovarin.h: the exported functions of Tovarin.dll, file access for MQL5 programs and other hosts.
+ *
+ * Every function catches its own failures: it shows the reason in a message box and returns the
+ * neutral result that its group names. A handle is the value an open or create function returned.
+ * A functions take text in the system code page, W functions UTF-16.
+ * %s */
+#ifndef TOVARIN_H
+#define TOVARIN_H
+
+#ifndef __cplusplus
+#include <stdbool.h> /* bool */
+#include <stddef.h>  /* wchar_t */
+#endif
+
+/* __int64 is built into MSVC only; MinGW's own headers define it the same way. */
+#if !defined(_MSC_VER) && !defined(__int64)
+#define __int64 long long
+#endif
+/* Compilers for other systems, for tools that only read the declarations. */
+#if !defined(_WIN32) && !defined(__cdecl)
+#define __cdecl
+#endif
+
+/* The DLL itself defines TOVARIN_BUILDING: its exports come from a module-definition file. */
+#ifndef TOVARIN_API
+#if defined(TOVARIN_BUILDING) || !defined(_WIN32)
+#define TOVARIN_API
+#else
+#define TOVARIN_API __declspec(dllimport)
+#endif
+#endif
+
+/* Desired access and share mode of the open and create functions (the CreateFileW values). */
+#define TOVARIN_GENERIC_READ 0x80000000UL
+#define TOVARIN_GENERIC_WRITE 0x40000000UL
+#define TOVARIN_SHARE_READ 0x00000001UL
+#define TOVARIN_SHARE_WRITE 0x00000002UL
+#define TOVARIN_SHARE_DELETE 0x00000004UL
+/* Access or share argument that keeps the default: read and write, shared for reading and writing. */
+#define TOVARIN_DEFAULT 0xFFFFFFFFUL
+/* Count argument of the array functions: to the end of the array. */
+#define TOVARIN_TO_END 0xFFFFFFFFFFFFFFFFULL
+
+/* Neutral results after a failure. */
+#define TOVARIN_NULL_HANDLE 0                          /* open and create */
+#define TOVARIN_FAILED_WRITE (-1)                      /* int results of the single-value writes */
+#define TOVARIN_FAILED_POSITION (-1)                   /* file pointer functions */
+#define TOVARIN_FAILED_COUNT 0xFFFFFFFFFFFFFFFFULL     /* arrays, string arrays, raw blocks */
+
+/* The host's string records: the capacity of the buffer in characters and its address, packed to
+ * 12 bytes with the address at byte 4. */
+#pragma pack(push, 1)
+#ifdef __cplusplus
+namespace MT {
+struct _MQLSTRA {
+    int length;
+    char *pointer;
+};
+struct _MQLSTRW {
+    int length;
+    wchar_t *pointer;
+};
+} // namespace MT
+typedef MT::_MQLSTRA TovarinMqlStrA;
+typedef MT::_MQLSTRW TovarinMqlStrW;
+#else
+typedef struct TovarinMqlStrA {
+    int length;
+    char *pointer;
+} TovarinMqlStrA;
+typedef struct TovarinMqlStrW {
+    int length;
+    wchar_t *pointer;
+} TovarinMqlStrW;
+#endif
+#pragma pack(pop)
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+""" % GENERATED
+
+HEADER_BOTTOM = """
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif /* TOVARIN_H */
+"""
+
+
+def make_header():
+    out = [HEADER_TOP]
+    for family, group in family_groups():
+        out.append("\n/* %s.\n" % family.title)
+        out.extend(" * %s\n" % line for line in family.comment[:-1])
+        out.append(" * %s */\n" % family.comment[-1])
+        for comment, exports in comments_of(group):
+            out.append("/* %s */\n" % comment_text(exports, lambda t: t))
+            for e in exports:
+                params = ", ".join("%s%s%s" % (c_type(t), "" if t.endswith("*") else " ", n) for t, n in e.params)
+                joint = "" if e.result.endswith("*") else " "
+                out.append("TOVARIN_API %s%s__cdecl %s(%s);\n" % (e.result, joint, e.name, params))
+    out.append(HEADER_BOTTOM)
+    return "".join(out)
+
+
+TABLE_TOP = """\
+#pragma once
+// The library's 100 exports in the order of the exports' source file: name, signature text as the
+// failure texts show it (MSVC's __FUNCSIG__ spelling), result kind, neutral result after a failure,
+// family and argument kinds. One X-macro row per export, so that code can also expand the rows
+// against the declarations of include/Tovarin.h (decltype(&name)).
+// %s
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string_view>
+
+namespace TestSupport {
+
+// How an argument travels: a handle, text, a scalar of a C type, or a pointer to an array, a
+// record array or a raw buffer.
+enum class Arg : std::uint8_t {
+    Handle,
+    TextA,
+    TextW,
+    Bool,
+    Char,
+    UChar,
+    Short,
+    UShort,
+    Int,
+    UInt,
+    ULong,
+    Int64,
+    UInt64,
+    Float,
+    Double,
+    PtrArray,
+    MqlStrA,
+    MqlStrW,
+    VoidPtr
+};
+
+// The result's C type: Handle is void *, TextA char *, TextW wchar_t *.
+enum class Result : std::uint8_t {
+    Void,
+    Bool,
+    Char,
+    UChar,
+    Short,
+    UShort,
+    Int,
+    UInt,
+    Int64,
+    UInt64,
+    Float,
+    Double,
+    Handle,
+    TextA,
+    TextW
+};
+
+enum class Family : std::uint8_t { Open, Handle, Write, Read, Raw, Array, StrArray, Path, PathByHandle };
+
+constexpr std::size_t kMaxArgs = 8;
+
+struct ExportInfo {
+    const char* name;
+    const char* signature;
+    Result result;
+    const char* neutralText; // "0", "-1", "false", "0.0", "null", "18446744073709551615", or "none" for void
+    std::uint64_t neutralBits; // the neutral result's bytes in the result's width, zero-extended
+    Family family;
+    std::size_t argCount;
+    Arg args[kMaxArgs];
+};
+
+constexpr ExportInfo MakeExport(const char* name, const char* signature, Result result, const char* neutralText,
+                                std::uint64_t neutralBits, Family family, std::initializer_list<Arg> args) {
+    ExportInfo info{name, signature, result, neutralText, neutralBits, family, args.size(), {}};
+    std::size_t i = 0;
+    for (const Arg arg : args)
+        info.args[i++] = arg;
+    return info;
+}
+
+// X(name, signature, result, neutral text, neutral bits, family, argument kinds...)
+// clang-format off
+#define TOVARIN_EXPORTS(X) \\
+"""
+
+TABLE_BOTTOM = """\
+// clang-format on
+
+#define TOVARIN_EXPORT_INFO(name, signature, result, neutralText, neutralBits, family, ...) \\
+    MakeExport(#name, signature, Result::result, neutralText, neutralBits, Family::family, {__VA_ARGS__}),
+
+inline constexpr ExportInfo kExports[] = {TOVARIN_EXPORTS(TOVARIN_EXPORT_INFO)};
+inline constexpr std::size_t kExportCount = sizeof(kExports) / sizeof(kExports[0]);
+static_assert(kExportCount == 100, "the library has 100 exports");
+
+// The row of an export, or null for an unknown name.
+constexpr const ExportInfo* FindExport(std::string_view name) {
+    for (const ExportInfo& info : kExports)
+        if (name == info.name)
+            return &info;
+    return nullptr;
+}
+
+// Bytes of a result of the kind (0 for void).
+constexpr std::size_t ResultWidth(Result result) {
+    switch (result) {
+    case Result::Void:
+        return 0;
+    case Result::Bool:
+    case Result::Char:
+    case Result::UChar:
+        return 1;
+    case Result::Short:
+    case Result::UShort:
+        return 2;
+    case Result::Int:
+    case Result::UInt:
+    case Result::Float:
+        return 4;
+    default:
+        return 8;
+    }
+}
+
+} // namespace TestSupport
+"""
+
+
+def make_table():
+    rows = []
+    for e in EXPORTS:
+        args = ", ".join("Arg::" + arg_kind(t) for t, _ in e.params)
+        rows.append('    X(%s, "%s", %s, "%s", 0x%X, %s, %s)' % (
+            e.name, signature(e), RESULT_KINDS[e.result], e.neutral, neutral_bits(e), e.family, args))
+    return TABLE_TOP % GENERATED + " \\\n".join(rows) + "\n" + TABLE_BOTTOM
+
+
+MQH_TOP = """\
+//+------------------------------------------------------------------+
+//| Tovarin.mqh: imports of Tovarin.dll, file access for MQL5        |
+//| programs on any path outside the terminal's sandbox.             |
+//+------------------------------------------------------------------+
+// Every function catches its own failures: it shows the reason in a message box and returns the
+// neutral result that its group names. A handle (long) is the value an open or create function
+// returned. A functions take zero-terminated text in the system code page (see TovarinAnsi),
+// W functions take MQL5 strings. Place Tovarin.dll in MQL5\\Libraries and allow DLL imports.
+// %s
+
+// Desired access and share mode of the open and create functions (the CreateFileW values; not the
+// terminal's own FILE_* flags).
+#define TOVARIN_GENERIC_READ    ((uint)0x80000000)
+#define TOVARIN_GENERIC_WRITE   ((uint)0x40000000)
+#define TOVARIN_SHARE_READ      ((uint)0x00000001)
+#define TOVARIN_SHARE_WRITE     ((uint)0x00000002)
+#define TOVARIN_SHARE_DELETE    ((uint)0x00000004)
+// Access or share argument that keeps the default: read and write, shared for reading and writing.
+#define TOVARIN_DEFAULT         ((uint)0xFFFFFFFF)
+// Count argument of the array functions: to the end of the array.
+#define TOVARIN_TO_END          ((ulong)0xFFFFFFFFFFFFFFFF)
+
+// Neutral results after a failure.
+#define TOVARIN_NULL_HANDLE     0                               // open and create
+#define TOVARIN_FAILED_WRITE    (-1)                            // int results of the single-value writes
+#define TOVARIN_FAILED_POSITION (-1)                            // file pointer functions
+#define TOVARIN_FAILED_COUNT    ((ulong)0xFFFFFFFFFFFFFFFF)     // arrays, string arrays, raw blocks
+
+// Host string record of the 8-bit record functions (MA): the capacity of the buffer in characters
+// and its address; 12 bytes, as MQL5 packs structures. The W record functions take string arrays.
+struct TovarinMqlStrA
+  {
+   int               length;
+   long              pointer;
+  };
+
+#import "Tovarin.dll"
+"""
+
+MQH_BOTTOM = """\
+#import
+
+//+------------------------------------------------------------------+
+//| Text for the 8-bit (A) functions: the system code page with its  |
+//| terminating zero. Returns the bytes including the zero.          |
+//+------------------------------------------------------------------+
+int TovarinAnsi(const string text, uchar &ansi[])
+  {
+   ArrayFree(ansi);
+   int n = StringToCharArray(text, ansi, 0, WHOLE_ARRAY, CP_ACP);
+   if(n <= 0 || ansi[n - 1] != 0)
+     {
+      n = MathMax(n, 0);
+      ArrayResize(ansi, n + 1);
+      ansi[n] = 0;
+      n++;
+     }
+   return n;
+  }
+//+------------------------------------------------------------------+
+"""
+
+
+def make_mqh():
+    out = [MQH_TOP % GENERATED]
+    for family, group in family_groups():
+        out.append("\n// %s.\n" % family.title)
+        out.extend("// %s\n" % line for line in family.comment)
+        for comment, exports in comments_of(group):
+            out.append("// %s\n" % comment_text(exports, lambda t: MQL_SCALARS[t]))
+            for e in exports:
+                params = ", ".join(mql_param(e, t, n) for t, n in e.params)
+                out.append("%s %s(%s);\n" % (mql_result(e.result), e.name, params))
+    out.append(MQH_BOTTOM)
+    return "".join(out)
+
+
+# ---------------------------------------------------------------------------------------------
+def clang_format(text, path):
+    done = subprocess.run(["clang-format", "--assume-filename=" + path, "--style=file"], input=text.encode(),
+                          stdout=subprocess.PIPE, check=True, cwd=ROOT)
+    return done.stdout.decode()
+
+
+OUTPUTS = [("include/Tovarin.h", make_header, True), ("tests/support/ExportTable.h", make_table, True),
+           ("mql5/Include/Tovarin.mqh", make_mqh, False)]
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--check", action="store_true", help="compare instead of writing")
+    parser.add_argument("--def", dest="def_", action="store_true", help="print the EXPORTS section")
+    options = parser.parse_args()
+    if options.def_:
+        print("LIBRARY Tovarin\nEXPORTS")
+        for e in EXPORTS:
+            print("    " + e.name)
+        return 0
+    stale = []
+    for relative, make, formatted in OUTPUTS:
+        text = make()
+        if formatted:
+            text = clang_format(text, relative)
+        path = os.path.join(ROOT, relative)
+        if options.check:
+            with open(path, encoding="utf-8", newline="") as f:
+                if f.read() != text:
+                    stale.append(relative)
+        else:
+            os.makedirs(os.path.dirname(path), exist_ok=True)
+            with open(path, "w", encoding="utf-8", newline="\n") as f:
+                f.write(text)
+    for relative in stale:
+        print("out of date: " + relative, file=sys.stderr)
+    return 1 if stale else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
