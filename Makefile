@@ -20,7 +20,7 @@ test: build
 	@ctest --preset mingw -j2
 
 demo: build
-	@$(WINE_RUN) dist/TovarinDemo.exe
+	@$(WINE_RUN) $(BUILD)/bin/TovarinDemo.exe
 
 clean:
 	rm -rf build dist

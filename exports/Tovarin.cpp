@@ -1,6 +1,8 @@
 // The exported functions, in the order the reference lists them. Each runs its work inside the
 // one export frame (Frame.h): its signature text and line name it in a failure box, and it then
 // returns its neutral result.
+#include "../include/Tovarin.h"
+
 #include "Frame.h"
 #include "Project.h"
 
