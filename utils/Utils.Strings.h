@@ -1,0 +1,51 @@
+#pragma once
+// Small text algorithms of the file layer. Every range goes through Utils::Checking, so the
+// functions share its defaults (all bits set: to the end), its clipping and its failure texts.
+// Failures are thrown as composed wide texts (std::wstring); a failed check changes nothing.
+#include <string>
+#include <vector>
+
+namespace Utils {
+namespace String {
+
+namespace detail {
+unsigned __int64 ExtractThruSubstringW(const std::wstring& text, const std::wstring& separator,
+                                       std::vector<std::wstring>& pieces, const unsigned __int64 maxPieces);
+unsigned __int64 ExtractThruSubstringA(const std::string& text, const std::string& separator,
+                                       std::vector<std::string>& pieces, const unsigned __int64 maxPieces);
+} // namespace detail
+
+// Replaces `from` by `to` in the range; returns `text`. Throws on an empty text or a bad range.
+std::wstring& ReplaceW(std::wstring& text, const unsigned __int64 start, const unsigned __int64 count,
+                       const wchar_t from, const wchar_t to);
+
+// Upper-cases the range with the system's locale-independent mapping; returns `text`. The range is
+// 32-bit: 4294967295 means to the end. Throws on an empty text or a bad range.
+std::wstring& UpperW(std::wstring& text, const unsigned long start, const unsigned long count);
+
+// The position of the `number`-th occurrence of `sub`, counted backwards from `start` (all bits set
+// or beyond the end: the last character); occurrences may overlap. `number` 0 gives the corrected
+// start. When there are fewer occurrences, stores how many there were into `number` and returns
+// all bits set. Throws on an empty text or an empty `sub`.
+unsigned __int64 PosByReverseNumberSubStringsW(const std::wstring& text, const std::wstring& sub,
+                                               unsigned __int64& number, unsigned __int64 start,
+                                               const unsigned __int64 count);
+
+// Splits `text` into the pieces that `separator` ends (at most `maxPieces`); text after the last
+// separator is no piece. Returns the index just past the last separator consumed, or all bits set
+// when none was. Throws on an empty separator, leaving `pieces` as it was. The I argument is unused.
+template <class I>
+unsigned __int64 ExtractThruSubstringW(const std::wstring& text, const std::wstring& separator, const I,
+                                       std::vector<std::wstring>& pieces, const unsigned __int64 maxPieces) {
+    return detail::ExtractThruSubstringW(text, separator, pieces, maxPieces);
+}
+
+// The 8-bit twin of ExtractThruSubstringW.
+template <class I>
+unsigned __int64 ExtractThruSubstringA(const std::string& text, const std::string& separator, const I,
+                                       std::vector<std::string>& pieces, const unsigned __int64 maxPieces) {
+    return detail::ExtractThruSubstringA(text, separator, pieces, maxPieces);
+}
+
+} // namespace String
+} // namespace Utils
