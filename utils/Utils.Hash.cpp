@@ -1,0 +1,63 @@
+#include "Utils.Hash.h"
+
+#include "Utils.CodingStr.h"
+#include "Utils.Error.h"
+
+#include <sstream>
+
+namespace Utils {
+
+namespace detail {
+
+void ThrowBadRadix(bool wide, const char* typeName) {
+    const std::string signature =
+        wide ? std::string("class std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class "
+                           "std::allocator<wchar_t> > __cdecl Utils::NumToStrW<") +
+                   typeName + ">(" + typeName + ",int,bool)"
+             : std::string(
+                   "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> > "
+                   "__cdecl Utils::NumToStrA<") +
+                   typeName + ">(" + typeName + ",int,bool)";
+    // The text names NumToStrA in both routines, deliberately.
+    TOVARIN_THROW(
+        signature.c_str(), false,
+        L"Ошибка в функции \"Utils::NumToStrA()\"\n\nНеправильно выбран идентификатор системы счисления.");
+}
+
+std::string FixedDecimal(double value) {
+    std::ostringstream out;
+    out << std::fixed << value;
+    return out.str();
+}
+
+} // namespace detail
+
+namespace Hash {
+
+namespace detail {
+
+std::wstring EvaluateName(const char* registerType, long long poly, long long init, long long xorOut,
+                          const char* textType, const char* file, int line) {
+    // The parameters show as signed decimals, as the compiler's signature text shows them.
+    std::ostringstream signature;
+    signature << registerType << " __cdecl Utils::Hash::CRC<" << registerType << "," << poly << "," << init
+              << "," << xorOut << ">::Evaluate<" << textType << ">(const " << textType << " &)\r\n";
+    return CodingStr::AnsiToUnicode(signature.str() + Error::LocationA(Error::Site{"", file, line}), 0);
+}
+
+} // namespace detail
+
+namespace {
+Smart::Global<CRC64_ECMA> g_CRC64;
+} // namespace
+
+Smart::Pointer<CRC64_ECMA> SharedCRC64() {
+    return g_CRC64.Get();
+}
+
+std::wstring PathKey(const std::wstring& path) {
+    return NumToStrW(SharedCRC64()->Evaluate(path), 2);
+}
+
+} // namespace Hash
+} // namespace Utils

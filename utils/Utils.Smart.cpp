@@ -1,0 +1,122 @@
+#include "Utils.Smart.h"
+
+#include "Utils.Error.h"
+
+#include <string>
+
+namespace Utils {
+namespace Smart {
+
+namespace {
+const char kRelease[] = "void __cdecl Utils::Smart::Base::Release(void)";
+const char kDropId[] = "void __cdecl Utils::Smart::WeakFactory::DropId(const int)";
+const char kEquals[] = "bool __cdecl Utils::Smart::Base::Equals(class Utils::Smart::Base *)";
+const char kLess[] = "bool __cdecl Utils::Smart::Base::Less(class Utils::Smart::Base *)";
+
+typedef Sync::Lock<Sync::CriticalSection> SmartGuard;
+
+// The smart-pointer lock exists before any export can run.
+const bool kSmartLockReady = (Sync::SmartLock(), true);
+} // namespace
+
+Base::~Base() {}
+
+bool Base::Equals(Base*) {
+    TOVARIN_THROW(
+        kEquals, false,
+        L"Метод позволяет сравнивать объекты по условию \"равно\" внутри класса умного указателя.\r\n"
+        L"Для использования этого метода необходимо определить его в своём коде.\r\n"
+        L"Основной метод \"Utils::Smart::Base::Equals()\".\r\n"
+        L"Тщательно проверьте этот метод, если он нужен.");
+}
+
+bool Base::Less(Base*) {
+    TOVARIN_THROW(
+        kLess, false,
+        L"Метод позволяет сравнивать объекты по условию \"меньше\" внутри класса умного указателя.\r\n"
+        L"Для использования этого метода необходимо определить его в своём коде.\r\n"
+        L"Основной метод \"Utils::Smart::Base::Less()\".\r\n"
+        L"Тщательно проверьте этот метод, если он нужен.");
+}
+
+void Base::Release() {
+    int count;
+    {
+        SmartGuard guard(Sync::SmartLock());
+        count = --count_;
+        if (count == 1 && weakId_ != -1) {
+            // Only the registry's count is left: dropping it destroys the object here, inside the
+            // (re-entered) lock. `this` is gone afterwards.
+            WeakFactory::Instance().DropId(weakId_);
+            return;
+        }
+        if (count < 0)
+            TOVARIN_THROW(kRelease, false, L"Отрицательное значение счётчика указателей.");
+    }
+    if (count == 0)
+        delete this;
+}
+
+int Base::Count() const {
+    SmartGuard guard(Sync::SmartLock());
+    return count_;
+}
+
+int Base::WeakId() const {
+    SmartGuard guard(Sync::SmartLock());
+    return weakId_;
+}
+
+WeakFactory& WeakFactory::Instance() {
+    SmartGuard guard(Sync::SmartLock());
+    // Never deleted: objects may still be dropped while the process exits.
+    static WeakFactory* const factory = new WeakFactory();
+    return *factory;
+}
+
+int WeakFactory::Register(Base* object) {
+    if (object == nullptr)
+        return -1;
+    SmartGuard guard(Sync::SmartLock());
+    if (object->weakId_ != -1)
+        return object->weakId_;
+    const int id = static_cast<int>(counter_++);
+    objects_.emplace(id, Pointer<Base>(object));
+    object->weakId_ = id;
+    return id;
+}
+
+void WeakFactory::DropId(const int id) {
+    SmartGuard guard(Sync::SmartLock());
+    const auto found = objects_.lower_bound(id);
+    if (found == objects_.end() || found->first != id)
+        TOVARIN_THROW(kDropId, false, L"Не удалось найти объект с ID = " + std::to_wstring(id));
+    // The entry leaves the map before its count is released, and the object forgets its
+    // identifier first, so that this release cannot come back here for the same identifier.
+    Pointer<Base> held(std::move(found->second));
+    objects_.erase(found);
+    if (held)
+        held->weakId_ = -1;
+    held.Reset();
+}
+
+bool WeakFactory::Contains(const int id) const {
+    SmartGuard guard(Sync::SmartLock());
+    return objects_.count(id) != 0;
+}
+
+std::size_t WeakFactory::Size() const {
+    SmartGuard guard(Sync::SmartLock());
+    return objects_.size();
+}
+
+} // namespace Smart
+} // namespace Utils
+
+namespace {
+Utils::Smart::Global<g_CSyncCS> g_CSyncCSHolder;
+} // namespace
+
+Utils::Smart::Pointer<g_CSyncCS> GetCSyncCS() {
+    return g_CSyncCSHolder.Get();
+}
