@@ -20,6 +20,7 @@ test: build
 	@ctest --preset mingw -j2
 
 demo: build
+	@mkdir -p dist && cp $(BUILD)/bin/Tovarin.dll dist/
 	@$(WINE_RUN) $(BUILD)/bin/TovarinDemo.exe
 
 clean:

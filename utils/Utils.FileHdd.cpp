@@ -6,6 +6,8 @@
 #include "Utils.Hash.h"
 #include "Utils.Strings.h"
 
+#include <shellapi.h>
+
 #include <sstream>
 
 namespace Utils {

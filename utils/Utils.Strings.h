@@ -47,5 +47,17 @@ unsigned __int64 ExtractThruSubstringA(const std::string& text, const std::strin
     return detail::ExtractThruSubstringA(text, separator, pieces, maxPieces);
 }
 
+namespace Path {
+
+// False for an empty path, true for one that passes every rule; throws the rule's text otherwise.
+// The bool argument has no effect.
+bool Has(const std::wstring& path, const bool = false);
+
+// The path without its last count + 1 names (count 0: the folder of a file path); a path without
+// a backslash comes back unchanged. Throws for an empty path.
+std::wstring TrimNameFileCW(const std::wstring& path, const unsigned __int64 count = 0);
+
+} // namespace Path
+
 } // namespace String
 } // namespace Utils

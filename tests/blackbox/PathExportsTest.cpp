@@ -136,7 +136,7 @@ TEST_F(PathExports, HardLinkAcrossDrivesIsRefusedBeforeAnySystemCall) {
     const std::wstring link = second + L"\\tovarin-cross-link.bin";
     TovarinDll::Get<LinkW>("FileHardLinkW")((dir / L"src.bin").c_str(), link.c_str());
     ASSERT_EQ(boxes.Boxes().size(), 1u);
-    const std::wstring& text = boxes.Boxes()[0].text;
+    const std::wstring text = boxes.Boxes()[0].text;
     EXPECT_EQ(text.find(L"Ошибка в функции \"void __cdecl FileHardLinkW(const wchar_t *,const wchar_t *)\"!\r\n"), 0u);
     EXPECT_NE(text.find(L"Жёсткая ссылка на файл может создаваться только в пределах одного логического "
                         L"диска.\r\nИсходный файл:\r\n\"" +

@@ -73,7 +73,7 @@ int main() {
 
     std::printf("File-system operations...\n");
     check("FileCopyW", FileCopyW(data.c_str(), (folder + L"\\copy.bin").c_str()) == 1);
-    check("FileMoveW", FileMoveW((folder + L"\\copy.bin").c_str(), (folder + L"\\moved\\copy.bin").c_str()) == 1);
+    check("FileMoveW", FileMoveW((folder + L"\\copy.bin").c_str(), (folder + L"\\moved.bin").c_str()) == 1);
     FileHardLinkW(data.c_str(), (folder + L"\\hardlink.bin").c_str());
     check("FileHardLinkW", FileCheckW((folder + L"\\hardlink.bin").c_str()) == 1);
     check("FileDeleteW", FileDeleteW(folder.c_str()) == 1 && FileCheckW(data.c_str()) == 0);
