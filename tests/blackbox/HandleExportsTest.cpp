@@ -5,6 +5,7 @@
 #include "support/TovarinDll.h"
 
 #include <windows.h>
+#include <winioctl.h>
 
 #include <gtest/gtest.h>
 
@@ -174,13 +175,34 @@ TEST_F(HandleExports, PositionSizeClearAndResize) {
 }
 
 TEST_F(HandleExports, GetSizeTruncatesToThirtyTwoBitsDeliberately) {
-    void* handle = Create(L"big.bin");
-    dll.resize(handle, 3000000000ull);
-    if (!boxes.Boxes().empty()) {
-        dll.close(handle);
-        GTEST_SKIP() << "this file system cannot make a 3,000,000,000-byte file cheaply";
-    }
+    // The big file is made with plain system calls: sparse where the file system allows it.
+    const std::wstring path = dir / L"big.bin";
+    HANDLE raw = ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    ASSERT_NE(raw, INVALID_HANDLE_VALUE);
+    DWORD ignored = 0;
+    ::DeviceIoControl(raw, FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &ignored, nullptr);
+    LARGE_INTEGER size;
+    size.QuadPart = 3000000000ll;
+    const bool made = ::SetFilePointerEx(raw, size, nullptr, FILE_BEGIN) && ::SetEndOfFile(raw);
+    ::CloseHandle(raw);
+    if (!made)
+        GTEST_SKIP() << "this file system cannot make a 3,000,000,000-byte file";
+    void* handle = dll.openExisting(path.c_str(), 0xFFFFFFFF, 0xFFFFFFFF);
+    ASSERT_NE(handle, nullptr);
     EXPECT_EQ(dll.size(handle), 18446744072414584320ull);
+    // Moving to 3,000,000,000 passes no high half, so the low half counts as negative and the move
+    // fails: FileResize to that size is refused with the pointer text and leaves the file alone.
+    dll.resize(handle, 3000000000ull);
+    ASSERT_EQ(boxes.Boxes().size(), 1u);
+    EXPECT_NE(boxes.Boxes()[0].text.find(L"Не смещён файловый указатель в файле:\r\n\"" + path + L"\""),
+              std::wstring::npos);
+    // Above 4 GiB the high half is passed and the resize works.
+    boxes.Clear();
+    dll.resize(handle, 5000000000ull);
+    EXPECT_TRUE(boxes.Boxes().empty());
+    EXPECT_EQ(dll.size(handle), 5000000000ull & 0xFFFFFFFFull);
+    dll.resize(handle, 0);
+    EXPECT_EQ(dll.size(handle), 0u);
     dll.close(handle);
 }
 
