@@ -20,8 +20,11 @@ test: build
 	@ctest --preset mingw -j2
 
 demo: build
-	@mkdir -p dist && cp $(BUILD)/bin/Tovarin.dll dist/
 	@$(WINE_RUN) $(BUILD)/bin/TovarinDemo.exe
+
+dist: build
+	@cmake --build --preset mingw --target dist
+	@ls -l dist
 
 clean:
 	rm -rf build dist
