@@ -2,7 +2,8 @@
 """The one list of Tovarin's 100 exports and the files made from it.
 
 Writes include/Tovarin.h (C prototypes), tests/support/ExportTable.h (the table that code and
-tests share) and mql5/Include/Tovarin.mqh (the MQL5 imports). The outputs are committed as
+tests share), mql5/Include/Tovarin.mqh (the MQL5 imports) and the reference section of README.md
+(between its "exports:begin" and "exports:end" marks). The outputs are committed as
 plain sources: the build never runs this script. After editing the list:
 
     scripts/generate-exports.py            # rewrite the three files (C/C++ through clang-format)
@@ -613,6 +614,37 @@ def make_mqh():
     return "".join(out)
 
 
+NEUTRAL_TEXT = {"0": "`0`", "false": "`false`", "0.0": "`0.0`", "null": "null", "none": "(none: box only)",
+                "-1": "`-1`", ALL_BITS: "`18446744073709551615` (all bits set)"}
+README_BEGIN = "<!-- exports:begin -->\n"
+README_END = "<!-- exports:end -->\n"
+
+
+def make_reference():
+    out = []
+    for family, group in family_groups():
+        out.append("\n#### %s\n\n" % family.title)
+        out.append(" ".join(family.comment) + "\n\n")
+        out.append("| Export | C parameters | Result | What it does | On failure |\n")
+        out.append("|---|---|---|---|---|\n")
+        for comment, exports in comments_of(group):
+            text = comment_text(exports, lambda t: "`%s`" % t)
+            for e in exports:
+                params = ", ".join("%s%s%s" % (t, "" if t.endswith("*") else " ", n) for t, n in e.params)
+                does = text if e is exports[0] else "As `%s`, with UTF-16 text." % exports[0].name
+                out.append("| `%s` | `%s` | `%s` | %s | %s |\n" % (e.name, params, e.result, does,
+                                                                  NEUTRAL_TEXT[e.neutral]))
+    return "".join(out)
+
+
+def make_readme():
+    with open(os.path.join(ROOT, "README.md"), encoding="utf-8", newline="") as f:
+        text = f.read()
+    begin = text.index(README_BEGIN) + len(README_BEGIN)
+    end = text.index(README_END)
+    return text[:begin] + make_reference().lstrip("\n") + "\n" + text[end:]
+
+
 # ---------------------------------------------------------------------------------------------
 def clang_format(text, path):
     done = subprocess.run(["clang-format", "--assume-filename=" + path, "--style=file"], input=text.encode(),
@@ -621,7 +653,7 @@ def clang_format(text, path):
 
 
 OUTPUTS = [("include/Tovarin.h", make_header, True), ("tests/support/ExportTable.h", make_table, True),
-           ("mql5/Include/Tovarin.mqh", make_mqh, False)]
+           ("mql5/Include/Tovarin.mqh", make_mqh, False), ("README.md", make_readme, False)]
 
 
 def main():
