@@ -6,6 +6,7 @@
 // the thread's last system error. Throw sites use TOVARIN_THROW, which captures the site as raw
 // values; the text is built only on the failure path.
 #include <string>
+#include <type_traits>
 
 namespace Utils {
 namespace Error {
@@ -31,28 +32,40 @@ std::wstring WhereW(const Site& site, const char* markers = "[f]");
 // Composes the failure text of `site` with `message` and throws it as std::wstring.
 // `lastError` is the thread's last error as it was right after the failing call; it is put back
 // before the composer asks for it, so building the message cannot disturb it.
-[[noreturn]] void ThrowAt(const Site& site, const char* markers, const std::wstring& message, bool withLastError,
-                          unsigned long lastError);
+[[noreturn]] void ThrowAt(const Site& site, const char* markers, const std::wstring& message,
+                          bool withLastError, unsigned long lastError);
 
-// Description of the thread's last error. The bool form (the composer's) reduces the code to 1 or
-// 0 deliberately; the long form routes network codes 12001..12175 to InternetW. The other type
-// branches (unsigned short: common dialogs; int: shell) live with the description tables.
-template <class T>
-std::wstring DescriptionW(T value);
-template <>
-std::wstring DescriptionW<bool>(bool withLastError);
-template <>
-std::wstring DescriptionW<long>(long);
-template <class T>
-std::string DescriptionA(T value);
-template <>
-std::string DescriptionA<bool>(bool withLastError);
+namespace detail {
+// The type branches of DescriptionW: the thread's last error as a common-dialog code, as a shell
+// operation code (after a notice that the shell sets no last error), or a notice for any other type.
+std::wstring DialogDescriptionOfLastError();
+std::wstring ShellDescriptionOfLastError();
+std::wstring UnknownCodeType();
+} // namespace detail
+
+// Description of the thread's last error; the argument is not consulted. The bool form (the
+// composer's) reduces the code to 1 or 0 deliberately; the long form routes network codes
+// 12001..12175 to InternetW; unsigned short reads the code as a common-dialog code, int as a shell
+// operation code; any other type shows a notice and gives an empty text.
+template <class T> std::wstring DescriptionW(T) {
+    if (std::is_same<T, unsigned short>::value)
+        return detail::DialogDescriptionOfLastError();
+    if (std::is_same<T, int>::value)
+        return detail::ShellDescriptionOfLastError();
+    return detail::UnknownCodeType();
+}
+template <> std::wstring DescriptionW<bool>(bool withLastError);
+template <> std::wstring DescriptionW<long>(long);
+template <class T> std::string DescriptionA(T value);
+template <> std::string DescriptionA<bool>(bool withLastError);
 
 // The system layout of one code: "\nLast Error: <code>.\n<system text>\n".
 std::wstring SystemDescriptionW(unsigned long code);
 std::string SystemDescriptionA(unsigned long code);
 
-// Bilingual tables (network, common dialog, shell).
+// Bilingual blocks of the network client's codes: "\r\nLast Error: <code>.\r\n\r\n" + English +
+// "\r\n\r\n" + Russian + "\r\n\r\n". Code 0 has its own entry; codes without one get the system
+// layout; 12003 gives the server's last response. The 8-bit form is in code page 1251.
 std::wstring InternetW(const long code);
 std::string InternetA(const long code);
 
@@ -63,6 +76,8 @@ std::string InternetA(const long code);
 std::wstring ComposeFailureTextW(std::wstring where, const std::wstring& text, bool withLastError);
 std::string ComposeFailureTextA(std::string where, const std::string& text, bool withLastError);
 
+// Bilingual blocks of the common dialogs' extended codes ("0x0001") and of the shell file
+// operation's result codes ("0x00071"), as InternetW lays them out; the 8-bit form is code page 1251.
 std::wstring CommonDialogDescriptionW(unsigned long code);
 std::string CommonDialogDescriptionA(unsigned long code);
 std::wstring ShellOperationDescriptionW(int code);
@@ -93,18 +108,21 @@ constexpr unsigned int kErrorStyle = 0x50010;  // MB_ICONERROR|MB_SETFOREGROUND|
 } // namespace Utils
 
 // The spelling of the wide string type inside signature texts.
-#define TOVARIN_WSTRING "class std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class std::allocator<wchar_t> >"
-#define TOVARIN_STRING "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> >"
+#define TOVARIN_WSTRING                                                                                      \
+    "class std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class std::allocator<wchar_t> >"
+#define TOVARIN_STRING                                                                                       \
+    "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> >"
 
 // The one way to throw: TOVARIN_THROW(signature text, with last error?, message expression).
 // The last error is saved before the message is built.
-#define TOVARIN_THROW_MARKED(signature, markers, withLastError, message)                                         \
-    do {                                                                                                         \
-        const unsigned long tovarinLastError_ = ::Utils::Error::detail::LastError();                           \
-        ::Utils::Error::ThrowAt(::Utils::Error::Site{signature, __FILE__, __LINE__}, markers, (message),        \
-                                (withLastError), tovarinLastError_);                                            \
+#define TOVARIN_THROW_MARKED(signature, markers, withLastError, message)                                     \
+    do {                                                                                                     \
+        const unsigned long tovarinLastError_ = ::Utils::Error::detail::LastError();                         \
+        ::Utils::Error::ThrowAt(::Utils::Error::Site{signature, __FILE__, __LINE__}, markers, (message),     \
+                                (withLastError), tovarinLastError_);                                         \
     } while (0)
-#define TOVARIN_THROW(signature, withLastError, message) TOVARIN_THROW_MARKED(signature, "[f]", withLastError, message)
+#define TOVARIN_THROW(signature, withLastError, message)                                                     \
+    TOVARIN_THROW_MARKED(signature, "[f]", withLastError, message)
 #define TOVARIN_SITE(signature) (::Utils::Error::Site{signature, __FILE__, __LINE__})
 
 namespace Utils {
