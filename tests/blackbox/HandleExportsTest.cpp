@@ -66,8 +66,7 @@ protected:
     BoxRecorder boxes;
 };
 
-template <class T>
-void ScalarRoundTrip(const char* writer, const char* reader, const T value) {
+template <class T> void ScalarRoundTrip(const char* writer, const char* reader, const T value) {
     TempDir dir;
     Dll dll;
     void* handle = dll.createAlways((dir / L"s.bin").c_str(), 0xFFFFFFFF, 0xFFFFFFFF);
@@ -141,7 +140,9 @@ TEST_F(HandleExports, ReadAtTheEndShowsTheShortReadAndReturnsZero) {
     EXPECT_EQ(TovarinDll::Get<int (*)(void*)>("FileReadInt")(handle), 0);
     ASSERT_EQ(boxes.Boxes().size(), 1u);
     const std::wstring text = boxes.Boxes()[0].text;
-    EXPECT_EQ(text.find(L"Ошибка в функции \"int __cdecl FileReadInt(void *const )\"!\r\nFile: \"Tovarin.cpp\"\r\nLine: "), 0u);
+    EXPECT_EQ(text.find(L"Ошибка в функции \"int __cdecl FileReadInt(void *const )\"!\r\nFile: "
+                        L"\"Tovarin.cpp\"\r\nLine: "),
+              0u);
     EXPECT_NE(text.find(L"На итерации 0 не прочитаны данные из файла:"), std::wstring::npos);
     EXPECT_NE(text.find(L"Запрошено: 4\nПрочитано: 0"), std::wstring::npos);
     EXPECT_EQ(text.find(L"[f]"), std::wstring::npos);
@@ -177,7 +178,8 @@ TEST_F(HandleExports, PositionSizeClearAndResize) {
 TEST_F(HandleExports, GetSizeTruncatesToThirtyTwoBitsDeliberately) {
     // The big file is made with plain system calls: sparse where the file system allows it.
     const std::wstring path = dir / L"big.bin";
-    HANDLE raw = ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    HANDLE raw =
+        ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     ASSERT_NE(raw, INVALID_HANDLE_VALUE);
     DWORD ignored = 0;
     ::DeviceIoControl(raw, FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &ignored, nullptr);
@@ -210,10 +212,12 @@ TEST_F(HandleExports, OpenDispositionsAndAccessDefaults) {
     const std::wstring path = dir / L"d.bin";
     EXPECT_EQ(dll.openExisting(path.c_str(), 0xFFFFFFFF, 0xFFFFFFFF), nullptr);
     ASSERT_EQ(boxes.Boxes().size(), 1u);
-    EXPECT_NE(boxes.Boxes()[0].text.find(L"Выполняемые действия с файлом: OPEN_EXISTING"), std::wstring::npos);
+    EXPECT_NE(boxes.Boxes()[0].text.find(L"Выполняемые действия с файлом: OPEN_EXISTING"),
+              std::wstring::npos);
     void* handle = dll.createNew(path.c_str(), 0xFFFFFFFF, 0xFFFFFFFF);
     ASSERT_NE(handle, nullptr);
-    EXPECT_EQ(dll.createNew(path.c_str(), 0xFFFFFFFF, 0xFFFFFFFF), nullptr); // exists; the default share allows the open
+    EXPECT_EQ(dll.createNew(path.c_str(), 0xFFFFFFFF, 0xFFFFFFFF),
+              nullptr); // exists; the default share allows the open
     EXPECT_EQ(boxes.Boxes().size(), 2u);
     EXPECT_NE(boxes.Boxes()[1].text.find(L"Выполняемые действия с файлом: CREATE_NEW"), std::wstring::npos);
     TovarinDll::Get<int (*)(void*, int)>("FileWriteInt")(handle, 7);
@@ -245,10 +249,12 @@ TEST_F(HandleExports, RegistryRefusesUnknownAndClosedHandles) {
     const std::vector<TestSupport::Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 2u);
     for (const TestSupport::Box& box : shown) {
-        EXPECT_EQ(box.text.find(L"Ошибка в функции \"int __cdecl FileWriteInt(void *const ,const int)\"!\r\n"), 0u);
-        EXPECT_NE(box.text.find(L"Ошибка в функции \"class Utils::Smart::Pointer<class Utils::FileHdd> __cdecl "
-                                L"Project::PtrCFile(void *const )\"!\r\nFile: \"Project.cpp\""),
-                  std::wstring::npos);
+        EXPECT_EQ(
+            box.text.find(L"Ошибка в функции \"int __cdecl FileWriteInt(void *const ,const int)\"!\r\n"), 0u);
+        EXPECT_NE(
+            box.text.find(L"Ошибка в функции \"class Utils::Smart::Pointer<class Utils::FileHdd> __cdecl "
+                          L"Project::PtrCFile(void *const )\"!\r\nFile: \"Project.cpp\""),
+            std::wstring::npos);
     }
     // Another file stays open in this process only when other tests left one open; the message is
     // one of the registry's two refusals either way.
@@ -264,7 +270,9 @@ TEST_F(HandleExports, NeutralResultsAfterFailures) {
     EXPECT_EQ(TovarinDll::Get<char* (*)(void*, u64)>("FileReadStringA")(bad, 3), nullptr);
     EXPECT_EQ(dll.pointer(bad), -1);
     EXPECT_EQ(dll.size(bad), 0u);
-    EXPECT_EQ(TovarinDll::Get<u64 (*)(void*, int*, u64, u64, u64)>("FileWriteIntArray")(bad, nullptr, 1, 0, 1), kAllBits);
+    EXPECT_EQ(
+        TovarinDll::Get<u64 (*)(void*, int*, u64, u64, u64)>("FileWriteIntArray")(bad, nullptr, 1, 0, 1),
+        kAllBits);
     EXPECT_EQ(TovarinDll::Get<u64 (*)(void*, void*, u64)>("FileReadVoid")(bad, nullptr, 1), kAllBits);
     EXPECT_EQ(boxes.Boxes().size(), 9u);
 }

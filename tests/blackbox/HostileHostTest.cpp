@@ -335,10 +335,18 @@ TEST_F(HostileHost, EveryExportSurvivesTheStormAndTheLibraryStaysUsable) {
         known[i] = i * 7919;
     ASSERT_EQ(writeInts(sentinel, known, 64, 0, 64), 64u);
 
-    // A handle that was issued and closed.
+    // A handle that was issued and closed. The system would give its value to the next file that
+    // the storm opens, so an event of the test holds the value for the rest of the storm.
     void* closed = OpenScratch(dir / L"closed.bin");
     ASSERT_NE(closed, nullptr);
     closeHandle(closed);
+    std::vector<HANDLE> placeholders;
+    while (placeholders.size() < 256 && (placeholders.empty() || placeholders.back() != closed))
+        placeholders.push_back(::CreateEventW(nullptr, FALSE, FALSE, nullptr));
+    ASSERT_EQ(placeholders.back(), closed) << "the closed handle's value could not be held";
+    placeholders.pop_back();
+    for (HANDLE extra : placeholders)
+        ::CloseHandle(extra);
 
     const std::vector<std::pair<Slot, std::string>> handles = {
         {Slot{0, 0, nullptr}, "handle 0"},
@@ -411,6 +419,7 @@ TEST_F(HostileHost, EveryExportSurvivesTheStormAndTheLibraryStaysUsable) {
     EXPECT_EQ(std::memcmp(back, known, sizeof(known)), 0);
     EXPECT_EQ(writeInts(sentinel, known, 64, 0, 1), 1u);
     closeHandle(sentinel);
+    ::CloseHandle(closed); // the placeholder event
     EXPECT_TRUE(boxes.Boxes().empty());
     std::string expected(reinterpret_cast<const char*>(known), sizeof(known));
     expected.append(reinterpret_cast<const char*>(known), sizeof(int));

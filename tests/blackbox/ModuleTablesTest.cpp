@@ -18,14 +18,15 @@ using namespace TestSupport;
 namespace {
 
 std::string Lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return text;
 }
 
 bool IsSystemDll(const std::string& name) {
-    static const char* const kSystem[] = {"kernel32.dll", "user32.dll", "shell32.dll", "msvcrt.dll", "wininet.dll",
-                                          "advapi32.dll", "ntdll.dll",  "ole32.dll",   "shlwapi.dll", "ucrtbase.dll",
-                                          "comdlg32.dll", "version.dll"};
+    static const char* const kSystem[] = {"kernel32.dll", "user32.dll",   "shell32.dll",  "msvcrt.dll",
+                                          "wininet.dll",  "advapi32.dll", "ntdll.dll",    "ole32.dll",
+                                          "shlwapi.dll",  "ucrtbase.dll", "comdlg32.dll", "version.dll"};
     const std::string lower = Lower(name);
     if (lower.rfind("api-ms-win-", 0) == 0)
         return true;
@@ -46,7 +47,8 @@ TEST(ModuleTables, ImportsOnlyWindowsSystemDlls) {
 TEST(ModuleTables, ExportsExactlyTheModuleDefinition) {
     const PeTables tables = ReadPeTables(ExecutableFolder() + L"Tovarin.dll");
     ASSERT_TRUE(tables.ok);
-    std::vector<std::string> defined = ReadDefExports(std::wstring(TOVARIN_SOURCE_DIR) + L"\\exports\\Tovarin.def");
+    std::vector<std::string> defined =
+        ReadDefExports(std::wstring(TOVARIN_SOURCE_DIR) + L"\\exports\\Tovarin.def");
     std::vector<std::string> exported = tables.exports;
     std::sort(defined.begin(), defined.end());
     std::sort(exported.begin(), exported.end());
@@ -95,7 +97,8 @@ TEST(ModuleTables, VersionResourceNamesTheProduct) {
         wchar_t* text = nullptr;
         UINT chars = 0;
         const std::wstring query = std::wstring(L"\\StringFileInfo\\040904B0\\") + name;
-        if (!::VerQueryValueW(block.data(), query.c_str(), reinterpret_cast<void**>(&text), &chars) || text == nullptr)
+        if (!::VerQueryValueW(block.data(), query.c_str(), reinterpret_cast<void**>(&text), &chars) ||
+            text == nullptr)
             return std::string("(missing)");
         return Narrow(std::wstring(text));
     };

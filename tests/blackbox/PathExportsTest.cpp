@@ -26,10 +26,10 @@ typedef int (*ByHandleW)(void*, const wchar_t*);
 typedef void (*LinkByHandleW)(void*, const wchar_t*);
 typedef void* (*OpenW)(const wchar_t*, unsigned long, unsigned long);
 typedef void (*HandleOnly)(void*);
-typedef unsigned __int64 (*CompletedW)(const wchar_t*, unsigned short, int, __int64, unsigned short, unsigned long,
-                                       void*, unsigned __int64);
-typedef unsigned __int64 (*CompletedA)(const char*, unsigned short, int, __int64, unsigned short, unsigned long, void*,
-                                       unsigned __int64);
+typedef unsigned __int64 (*CompletedW)(const wchar_t*, unsigned short, int, __int64, unsigned short,
+                                       unsigned long, void*, unsigned __int64);
+typedef unsigned __int64 (*CompletedA)(const char*, unsigned short, int, __int64, unsigned short,
+                                       unsigned long, void*, unsigned __int64);
 
 class PathExports : public testing::Test {
 protected:
@@ -89,7 +89,8 @@ TEST_F(PathExports, ByHandleOperationsFollowTheFile) {
     auto moveBy = TovarinDll::Get<ByHandleW>("FileMoveByHandleW");
     auto deleteBy = TovarinDll::Get<HandleOnly>("FileDeleteByHandle");
     // Delete sharing lets the shell move the open file.
-    void* handle = createAlways((dir / L"h.bin").c_str(), 0xFFFFFFFF, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
+    void* handle = createAlways((dir / L"h.bin").c_str(), 0xFFFFFFFF,
+                                FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
     ASSERT_NE(handle, nullptr);
     writeInt(handle, 42);
     TovarinDll::Get<HandleOnly>("FileFlushApply")(handle);
@@ -120,7 +121,8 @@ TEST_F(PathExports, HardLinksShareContentOnOneDrive) {
     ASSERT_TRUE(WriteFileBytes(dir / L"sub\\link.bin", "two"));
     EXPECT_EQ(ReadFileBytes(dir / L"src.bin"), "two");
     // By handle: the object's file is the source.
-    void* handle = TovarinDll::Get<OpenW>("FileOpenExistingW")((dir / L"src.bin").c_str(), 0xFFFFFFFF, 0xFFFFFFFF);
+    void* handle =
+        TovarinDll::Get<OpenW>("FileOpenExistingW")((dir / L"src.bin").c_str(), 0xFFFFFFFF, 0xFFFFFFFF);
     ASSERT_NE(handle, nullptr);
     TovarinDll::Get<LinkByHandleW>("FileHardLinkByHandleW")(handle, (dir / L"byhandle.bin").c_str());
     EXPECT_EQ(ReadFileBytes(dir / L"byhandle.bin"), "two");
@@ -137,7 +139,9 @@ TEST_F(PathExports, HardLinkAcrossDrivesIsRefusedBeforeAnySystemCall) {
     TovarinDll::Get<LinkW>("FileHardLinkW")((dir / L"src.bin").c_str(), link.c_str());
     ASSERT_EQ(boxes.Boxes().size(), 1u);
     const std::wstring text = boxes.Boxes()[0].text;
-    EXPECT_EQ(text.find(L"Ошибка в функции \"void __cdecl FileHardLinkW(const wchar_t *,const wchar_t *)\"!\r\n"), 0u);
+    EXPECT_EQ(
+        text.find(L"Ошибка в функции \"void __cdecl FileHardLinkW(const wchar_t *,const wchar_t *)\"!\r\n"),
+        0u);
     EXPECT_NE(text.find(L"Жёсткая ссылка на файл может создаваться только в пределах одного логического "
                         L"диска.\r\nИсходный файл:\r\n\"" +
                         (dir / L"src.bin") + L"\"\r\nЖёсткая ссылка на файл:\r\n\"" + link + L"\"\n"),
@@ -154,7 +158,8 @@ TEST_F(PathExports, PathRulesRefuseBadPaths) {
     linkW((dir / L"con").c_str(), (dir / L"x.bin").c_str());
     ASSERT_EQ(boxes.Boxes().size(), 2u);
     EXPECT_NE(boxes.Boxes()[0].text.find(L"Обнаружен запрещённый символ '|'"), std::wstring::npos);
-    EXPECT_NE(boxes.Boxes()[1].text.find(L"Использовано зарезервированное в Windows имя"), std::wstring::npos);
+    EXPECT_NE(boxes.Boxes()[1].text.find(L"Использовано зарезервированное в Windows имя"),
+              std::wstring::npos);
     EXPECT_EQ(copyW(L"", L""), 0);
 }
 

@@ -9,8 +9,8 @@ namespace {
 std::wstring WindowText(HWND window) {
     wchar_t buffer[8192] = {};
     DWORD_PTR copied = 0;
-    if (!::SendMessageTimeoutW(window, WM_GETTEXT, sizeof(buffer) / sizeof(buffer[0]), reinterpret_cast<LPARAM>(buffer),
-                               SMTO_ABORTIFHUNG, 2000, &copied))
+    if (!::SendMessageTimeoutW(window, WM_GETTEXT, sizeof(buffer) / sizeof(buffer[0]),
+                               reinterpret_cast<LPARAM>(buffer), SMTO_ABORTIFHUNG, 2000, &copied))
         return std::wstring();
     return std::wstring(buffer, copied);
 }
@@ -45,14 +45,21 @@ BOOL CALLBACK Collect(HWND window, LPARAM param) {
         return TRUE;
     wchar_t cls[64] = {};
     ::GetClassNameW(window, cls, 64);
-    if (std::wstring(cls) == L"#32770")
+    // A box is shown once its caption and text are set: until then it is not visible.
+    if (std::wstring(cls) == L"#32770" && ::IsWindowVisible(window))
         search->found.push_back(window);
     return TRUE;
 }
 
 } // namespace
 
-BoxRecorder::BoxRecorder() : thread_([this] { Watch(); }) {}
+BoxRecorder::BoxRecorder() {
+    // Dialog windows that exist already are not this recorder's to record or close.
+    Search search{::GetCurrentProcessId(), {}};
+    ::EnumWindows(Collect, reinterpret_cast<LPARAM>(&search));
+    seen_ = search.found;
+    thread_ = std::thread([this] { Watch(); });
+}
 
 BoxRecorder::~BoxRecorder() {
     stop_ = true;
@@ -76,6 +83,10 @@ void BoxRecorder::Watch() {
             box.caption = WindowText(window);
             if (HWND text = ::GetDlgItem(window, 0xFFFF))
                 box.text = WindowText(text);
+            // Every box of the library has a caption and a text; a dialog without them is still
+            // being made (it is looked at again on the next round) or is none of the library's.
+            if (box.caption.empty() || box.text.empty())
+                continue;
             box.icon = IconOf(window);
             {
                 std::lock_guard<std::mutex> lock(mutex_);
@@ -117,6 +128,36 @@ std::vector<Box> BoxRecorder::Boxes() {
 void BoxRecorder::Clear() {
     std::lock_guard<std::mutex> lock(mutex_);
     boxes_.clear();
+}
+
+namespace {
+thread_local BoxSuppressor* t_suppressor = nullptr;
+
+bool IsDialogClass(LPCWSTR name) {
+    if ((reinterpret_cast<ULONG_PTR>(name) >> 16) == 0)
+        return name == MAKEINTRESOURCEW(32770);
+    return std::wstring(name) == L"#32770";
+}
+} // namespace
+
+BoxSuppressor::BoxSuppressor() : hook_(::SetWindowsHookExW(WH_CBT, Hook, nullptr, ::GetCurrentThreadId())) {
+    t_suppressor = this;
+}
+
+BoxSuppressor::~BoxSuppressor() {
+    ::UnhookWindowsHookEx(hook_);
+    t_suppressor = nullptr;
+}
+
+LRESULT CALLBACK BoxSuppressor::Hook(int code, WPARAM wParam, LPARAM lParam) {
+    if (code == HCBT_CREATEWND && t_suppressor != nullptr) {
+        const CBT_CREATEWNDW* create = reinterpret_cast<const CBT_CREATEWNDW*>(lParam);
+        if (IsDialogClass(create->lpcs->lpszClass)) {
+            ++t_suppressor->count_;
+            return 1; // the window is not made
+        }
+    }
+    return ::CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
 } // namespace TestSupport

@@ -44,4 +44,22 @@ private:
     std::thread thread_;
 };
 
+// Refuses every dialog box that the calling thread tries to create, and counts them: the box
+// function then returns at once. For loops of many failing calls, where showing and closing each
+// real box would cost tens of milliseconds. Only boxes of the thread that made it are refused.
+class BoxSuppressor {
+public:
+    BoxSuppressor();
+    ~BoxSuppressor();
+    BoxSuppressor(const BoxSuppressor&) = delete;
+    BoxSuppressor& operator=(const BoxSuppressor&) = delete;
+
+    size_t Count() const { return count_; }
+
+private:
+    static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam);
+    HHOOK hook_;
+    size_t count_ = 0;
+};
+
 } // namespace TestSupport
