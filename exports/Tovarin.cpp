@@ -136,6 +136,34 @@ void DeleteByHandle(void* const handle) {
 
 } // namespace
 
+// Exports that differ only in their value or element type share one body each. Every export still
+// spells its own signature and stands on its own line, which its failure texts show.
+#define TOVARIN_WRITE_VALUE(name, type, signature)                                                           \
+    TOVARIN_EXPORT int __cdecl name(void* const handle, const type value) {                                  \
+        return Call<int>(TOVARIN_SITE(signature), -1, [&] { return WriteValue(handle, value); });            \
+    }
+#define TOVARIN_READ_VALUE(name, type, signature)                                                            \
+    TOVARIN_EXPORT type __cdecl name(void* const handle) {                                                   \
+        return Call<type>(TOVARIN_SITE(signature), static_cast<type>(0),                                     \
+                          [&] { return ReadValue<type>(handle); });                                          \
+    }
+#define TOVARIN_WRITE_ARRAY(name, arrayType, signature)                                                      \
+    TOVARIN_EXPORT unsigned __int64 __cdecl name(void* const handle, arrayType array,                        \
+                                                 const unsigned __int64 size, const unsigned __int64 start,  \
+                                                 unsigned __int64 count) {                                   \
+        const Site site = TOVARIN_SITE(signature);                                                           \
+        return Call<unsigned __int64>(site, kAllBits,                                                        \
+                                      [&] { return WriteArray(site, handle, array, size, start, count); });  \
+    }
+#define TOVARIN_READ_ARRAY(name, arrayType, signature)                                                       \
+    TOVARIN_EXPORT unsigned __int64 __cdecl name(void* const handle, arrayType array,                        \
+                                                 const unsigned __int64 size, const unsigned __int64 start,  \
+                                                 unsigned __int64 count) {                                   \
+        const Site site = TOVARIN_SITE(signature);                                                           \
+        return Call<unsigned __int64>(site, kAllBits,                                                        \
+                                      [&] { return ReadArray(site, handle, array, size, start, count); });   \
+    }
+
 TOVARIN_EXPORT int __cdecl FileCheckA(const char* path) {
     const Site site = TOVARIN_SITE("int __cdecl FileCheckA(const char *)");
     return Call<int>(site, 0, [&] { return Utils::FilesFind().Status(WideA(path)) == 2 ? 1 : 0; });
@@ -415,60 +443,30 @@ TOVARIN_EXPORT __int64 __cdecl FileSetPointerEnd(void* const handle, const int d
     return Call<__int64>(site, -1, [&] { return SetPointer(handle, FILE_END, distance); });
 }
 
-TOVARIN_EXPORT int __cdecl FileWriteBoolean(void* const handle, const bool value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteBoolean(void *const ,const bool)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteBoolean, bool, "int __cdecl FileWriteBoolean(void *const ,const bool)")
 
-TOVARIN_EXPORT int __cdecl FileWriteChar(void* const handle, const char value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteChar(void *const ,const char)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteChar, char, "int __cdecl FileWriteChar(void *const ,const char)")
 
-TOVARIN_EXPORT int __cdecl FileWriteUChar(void* const handle, const unsigned char value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteUChar(void *const ,const unsigned char)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteUChar, unsigned char,
+                    "int __cdecl FileWriteUChar(void *const ,const unsigned char)")
 
-TOVARIN_EXPORT int __cdecl FileWriteShort(void* const handle, const short value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteShort(void *const ,const short)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteShort, short, "int __cdecl FileWriteShort(void *const ,const short)")
 
-TOVARIN_EXPORT int __cdecl FileWriteUShort(void* const handle, const unsigned short value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteUShort(void *const ,const unsigned short)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteUShort, unsigned short,
+                    "int __cdecl FileWriteUShort(void *const ,const unsigned short)")
 
-TOVARIN_EXPORT int __cdecl FileWriteInt(void* const handle, const int value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteInt(void *const ,const int)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteInt, int, "int __cdecl FileWriteInt(void *const ,const int)")
 
-TOVARIN_EXPORT int __cdecl FileWriteUInt(void* const handle, const unsigned int value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteUInt(void *const ,const unsigned int)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteUInt, unsigned int, "int __cdecl FileWriteUInt(void *const ,const unsigned int)")
 
-TOVARIN_EXPORT int __cdecl FileWriteInt64(void* const handle, const __int64 value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteInt64(void *const ,const __int64)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteInt64, __int64, "int __cdecl FileWriteInt64(void *const ,const __int64)")
 
-TOVARIN_EXPORT int __cdecl FileWriteUInt64(void* const handle, const unsigned __int64 value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteUInt64(void *const ,const unsigned __int64)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteUInt64, unsigned __int64,
+                    "int __cdecl FileWriteUInt64(void *const ,const unsigned __int64)")
 
-TOVARIN_EXPORT int __cdecl FileWriteFlt(void* const handle, const float value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteFlt(void *const ,const float)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteFlt, float, "int __cdecl FileWriteFlt(void *const ,const float)")
 
-TOVARIN_EXPORT int __cdecl FileWriteDbl(void* const handle, const double value) {
-    const Site site = TOVARIN_SITE("int __cdecl FileWriteDbl(void *const ,const double)");
-    return Call<int>(site, -1, [&] { return WriteValue(handle, value); });
-}
+TOVARIN_WRITE_VALUE(FileWriteDbl, double, "int __cdecl FileWriteDbl(void *const ,const double)")
 
 TOVARIN_EXPORT int __cdecl FileWriteStringA(void* const handle, const char* text) {
     const Site site = TOVARIN_SITE("int __cdecl FileWriteStringA(void *const ,const char *)");
@@ -480,117 +478,49 @@ TOVARIN_EXPORT int __cdecl FileWriteStringW(void* const handle, const wchar_t* t
     return Call<int>(site, -1, [&] { return WriteText(handle, text); });
 }
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteBoolArray(void* const handle, bool* const array,
-                                                           const unsigned __int64 size,
-                                                           const unsigned __int64 start,
-                                                           unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileWriteBoolArray(void *const ,bool *const "
-                                   ",const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteBoolArray, bool* const,
+                    "unsigned __int64 __cdecl FileWriteBoolArray(void *const ,bool *const ,const unsigned "
+                    "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteCharArray(void* const handle, char* const array,
-                                                           const unsigned __int64 size,
-                                                           const unsigned __int64 start,
-                                                           unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileWriteCharArray(void *const ,char *const "
-                                   ",const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteCharArray, char* const,
+                    "unsigned __int64 __cdecl FileWriteCharArray(void *const ,char *const ,const unsigned "
+                    "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteUCharArray(void* const handle, unsigned char* const array,
-                                                            const unsigned __int64 size,
-                                                            const unsigned __int64 start,
-                                                            unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileWriteUCharArray(void *const ,unsigned char "
-                                   "*const ,const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteUCharArray, unsigned char* const,
+                    "unsigned __int64 __cdecl FileWriteUCharArray(void *const ,unsigned char *const ,const "
+                    "unsigned __int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteShortArray(void* const handle, short* const array,
-                                                            const unsigned __int64 size,
-                                                            const unsigned __int64 start,
-                                                            unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileWriteShortArray(void *const ,short *const "
-                                   ",const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteShortArray, short* const,
+                    "unsigned __int64 __cdecl FileWriteShortArray(void *const ,short *const ,const unsigned "
+                    "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteUShortArray(void* const handle, unsigned short* const array,
-                                                             const unsigned __int64 size,
-                                                             const unsigned __int64 start,
-                                                             unsigned __int64 count) {
-    const Site site =
-        TOVARIN_SITE("unsigned __int64 __cdecl FileWriteUShortArray(void *const ,unsigned short *const "
-                     ",const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteUShortArray, unsigned short* const,
+                    "unsigned __int64 __cdecl FileWriteUShortArray(void *const ,unsigned short *const ,const "
+                    "unsigned __int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteIntArray(void* const handle, int* const array,
-                                                          const unsigned __int64 size,
-                                                          const unsigned __int64 start,
-                                                          unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileWriteIntArray(void *const ,int *const "
-                                   ",const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteIntArray, int* const,
+                    "unsigned __int64 __cdecl FileWriteIntArray(void *const ,int *const ,const unsigned "
+                    "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteUIntArray(void* const handle, unsigned int* const array,
-                                                           const unsigned __int64 size,
-                                                           const unsigned __int64 start,
-                                                           unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileWriteUIntArray(void *const ,unsigned int "
-                                   "*const ,const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteUIntArray, unsigned int* const,
+                    "unsigned __int64 __cdecl FileWriteUIntArray(void *const ,unsigned int *const ,const "
+                    "unsigned __int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteLongArray(void* const handle, __int64* const array,
-                                                           const unsigned __int64 size,
-                                                           const unsigned __int64 start,
-                                                           unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileWriteLongArray(void *const ,__int64 *const "
-                                   ",const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteLongArray, __int64* const,
+                    "unsigned __int64 __cdecl FileWriteLongArray(void *const ,__int64 *const ,const unsigned "
+                    "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteULongArray(void* const handle, unsigned __int64* const array,
-                                                            const unsigned __int64 size,
-                                                            const unsigned __int64 start,
-                                                            unsigned __int64 count) {
-    const Site site =
-        TOVARIN_SITE("unsigned __int64 __cdecl FileWriteULongArray(void *const ,unsigned __int64 *const "
-                     ",const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteULongArray, unsigned __int64* const,
+                    "unsigned __int64 __cdecl FileWriteULongArray(void *const ,unsigned __int64 *const "
+                    ",const unsigned __int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteFloatArray(void* const handle, const float* array,
-                                                            const unsigned __int64 size,
-                                                            const unsigned __int64 start,
-                                                            unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileWriteFloatArray(void *const ,const float "
-                                   "*,const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteFloatArray, const float*,
+                    "unsigned __int64 __cdecl FileWriteFloatArray(void *const ,const float *,const unsigned "
+                    "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteDoubleArray(void* const handle, const double* array,
-                                                             const unsigned __int64 size,
-                                                             const unsigned __int64 start,
-                                                             unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileWriteDoubleArray(void *const ,const double "
-                                   "*,const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return WriteArray(site, handle, array, size, start, count); });
-}
+TOVARIN_WRITE_ARRAY(FileWriteDoubleArray, const double*,
+                    "unsigned __int64 __cdecl FileWriteDoubleArray(void *const ,const double *,const "
+                    "unsigned __int64,const unsigned __int64,unsigned __int64)")
 
 TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteStrArrayA(void* const handle, const char** array,
                                                            const unsigned __int64 size,
@@ -636,64 +566,27 @@ TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteStrArrayMW(void* const handle,
         site, kAllBits, [&] { return Project::WriteStrArrayByHandle(handle, array, size, start, count); });
 }
 
-TOVARIN_EXPORT bool __cdecl FileReadBoolean(void* const handle) {
-    const Site site = TOVARIN_SITE("bool __cdecl FileReadBoolean(void *const )");
-    return Call<bool>(site, false, [&] { return ReadValue<bool>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadBoolean, bool, "bool __cdecl FileReadBoolean(void *const )")
 
-TOVARIN_EXPORT char __cdecl FileReadChar(void* const handle) {
-    const Site site = TOVARIN_SITE("char __cdecl FileReadChar(void *const )");
-    return Call<char>(site, static_cast<char>(0), [&] { return ReadValue<char>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadChar, char, "char __cdecl FileReadChar(void *const )")
 
-TOVARIN_EXPORT unsigned char __cdecl FileReadUChar(void* const handle) {
-    const Site site = TOVARIN_SITE("unsigned char __cdecl FileReadUChar(void *const )");
-    return Call<unsigned char>(site, static_cast<unsigned char>(0),
-                               [&] { return ReadValue<unsigned char>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadUChar, unsigned char, "unsigned char __cdecl FileReadUChar(void *const )")
 
-TOVARIN_EXPORT short __cdecl FileReadShort(void* const handle) {
-    const Site site = TOVARIN_SITE("short __cdecl FileReadShort(void *const )");
-    return Call<short>(site, static_cast<short>(0), [&] { return ReadValue<short>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadShort, short, "short __cdecl FileReadShort(void *const )")
 
-TOVARIN_EXPORT unsigned short __cdecl FileReadUShort(void* const handle) {
-    const Site site = TOVARIN_SITE("unsigned short __cdecl FileReadUShort(void *const )");
-    return Call<unsigned short>(site, static_cast<unsigned short>(0),
-                                [&] { return ReadValue<unsigned short>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadUShort, unsigned short, "unsigned short __cdecl FileReadUShort(void *const )")
 
-TOVARIN_EXPORT int __cdecl FileReadInt(void* const handle) {
-    const Site site = TOVARIN_SITE("int __cdecl FileReadInt(void *const )");
-    return Call<int>(site, 0, [&] { return ReadValue<int>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadInt, int, "int __cdecl FileReadInt(void *const )")
 
-TOVARIN_EXPORT unsigned int __cdecl FileReadUInt(void* const handle) {
-    const Site site = TOVARIN_SITE("unsigned int __cdecl FileReadUInt(void *const )");
-    return Call<unsigned int>(site, static_cast<unsigned int>(0),
-                              [&] { return ReadValue<unsigned int>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadUInt, unsigned int, "unsigned int __cdecl FileReadUInt(void *const )")
 
-TOVARIN_EXPORT __int64 __cdecl FileReadInt64(void* const handle) {
-    const Site site = TOVARIN_SITE("__int64 __cdecl FileReadInt64(void *const )");
-    return Call<__int64>(site, static_cast<__int64>(0), [&] { return ReadValue<__int64>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadInt64, __int64, "__int64 __cdecl FileReadInt64(void *const )")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadUInt64(void* const handle) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadUInt64(void *const )");
-    return Call<unsigned __int64>(site, static_cast<unsigned __int64>(0),
-                                  [&] { return ReadValue<unsigned __int64>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadUInt64, unsigned __int64, "unsigned __int64 __cdecl FileReadUInt64(void *const )")
 
-TOVARIN_EXPORT float __cdecl FileReadFlt(void* const handle) {
-    const Site site = TOVARIN_SITE("float __cdecl FileReadFlt(void *const )");
-    return Call<float>(site, 0.0f, [&] { return ReadValue<float>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadFlt, float, "float __cdecl FileReadFlt(void *const )")
 
-TOVARIN_EXPORT double __cdecl FileReadDbl(void* const handle) {
-    const Site site = TOVARIN_SITE("double __cdecl FileReadDbl(void *const )");
-    return Call<double>(site, 0.0, [&] { return ReadValue<double>(handle); });
-}
+TOVARIN_READ_VALUE(FileReadDbl, double, "double __cdecl FileReadDbl(void *const )")
 
 TOVARIN_EXPORT char* __cdecl FileReadStringA(void* const handle, const unsigned __int64 size) {
     const Site site = TOVARIN_SITE("char *__cdecl FileReadStringA(void *const ,const unsigned __int64)");
@@ -705,116 +598,49 @@ TOVARIN_EXPORT wchar_t* __cdecl FileReadStringW(void* const handle, const unsign
     return Call<wchar_t*>(site, nullptr, [&] { return ReadText<wchar_t>(handle, size); });
 }
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadBoolArray(void* const handle, bool* array,
-                                                          const unsigned __int64 size,
-                                                          const unsigned __int64 start,
-                                                          unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadBoolArray(void *const ,bool *,const "
-                                   "unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadBoolArray, bool*,
+                   "unsigned __int64 __cdecl FileReadBoolArray(void *const ,bool *,const unsigned "
+                   "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadCharArray(void* const handle, char* array,
-                                                          const unsigned __int64 size,
-                                                          const unsigned __int64 start,
-                                                          unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadCharArray(void *const ,char *,const "
-                                   "unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadCharArray, char*,
+                   "unsigned __int64 __cdecl FileReadCharArray(void *const ,char *,const unsigned "
+                   "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadUCharArray(void* const handle, unsigned char* array,
-                                                           const unsigned __int64 size,
-                                                           const unsigned __int64 start,
-                                                           unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadUCharArray(void *const ,unsigned char "
-                                   "*,const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadUCharArray, unsigned char*,
+                   "unsigned __int64 __cdecl FileReadUCharArray(void *const ,unsigned char *,const unsigned "
+                   "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadShortArray(void* const handle, short* array,
-                                                           const unsigned __int64 size,
-                                                           const unsigned __int64 start,
-                                                           unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadShortArray(void *const ,short *,const "
-                                   "unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadShortArray, short*,
+                   "unsigned __int64 __cdecl FileReadShortArray(void *const ,short *,const unsigned "
+                   "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadUShortArray(void* const handle, unsigned short* array,
-                                                            const unsigned __int64 size,
-                                                            const unsigned __int64 start,
-                                                            unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadUShortArray(void *const ,unsigned short "
-                                   "*,const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadUShortArray, unsigned short*,
+                   "unsigned __int64 __cdecl FileReadUShortArray(void *const ,unsigned short *,const "
+                   "unsigned __int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadIntArray(void* const handle, int* array,
-                                                         const unsigned __int64 size,
-                                                         const unsigned __int64 start,
-                                                         unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadIntArray(void *const ,int *,const "
-                                   "unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadIntArray, int*,
+                   "unsigned __int64 __cdecl FileReadIntArray(void *const ,int *,const unsigned "
+                   "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadUIntArray(void* const handle, unsigned int* array,
-                                                          const unsigned __int64 size,
-                                                          const unsigned __int64 start,
-                                                          unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadUIntArray(void *const ,unsigned int "
-                                   "*,const unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadUIntArray, unsigned int*,
+                   "unsigned __int64 __cdecl FileReadUIntArray(void *const ,unsigned int *,const unsigned "
+                   "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadLongArray(void* const handle, __int64* array,
-                                                          const unsigned __int64 size,
-                                                          const unsigned __int64 start,
-                                                          unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadLongArray(void *const ,__int64 *,const "
-                                   "unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadLongArray, __int64*,
+                   "unsigned __int64 __cdecl FileReadLongArray(void *const ,__int64 *,const unsigned "
+                   "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadULongArray(void* const handle, unsigned __int64* array,
-                                                           const unsigned __int64 size,
-                                                           const unsigned __int64 start,
-                                                           unsigned __int64 count) {
-    const Site site =
-        TOVARIN_SITE("unsigned __int64 __cdecl FileReadULongArray(void *const ,unsigned __int64 *,const "
-                     "unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadULongArray, unsigned __int64*,
+                   "unsigned __int64 __cdecl FileReadULongArray(void *const ,unsigned __int64 *,const "
+                   "unsigned __int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadFloatArray(void* const handle, float* array,
-                                                           const unsigned __int64 size,
-                                                           const unsigned __int64 start,
-                                                           unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadFloatArray(void *const ,float *,const "
-                                   "unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadFloatArray, float*,
+                   "unsigned __int64 __cdecl FileReadFloatArray(void *const ,float *,const unsigned "
+                   "__int64,const unsigned __int64,unsigned __int64)")
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileReadDoubleArray(void* const handle, double* array,
-                                                            const unsigned __int64 size,
-                                                            const unsigned __int64 start,
-                                                            unsigned __int64 count) {
-    const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadDoubleArray(void *const ,double *,const "
-                                   "unsigned __int64,const unsigned __int64,unsigned __int64)");
-    return Call<unsigned __int64>(site, kAllBits,
-                                  [&] { return ReadArray(site, handle, array, size, start, count); });
-}
+TOVARIN_READ_ARRAY(FileReadDoubleArray, double*,
+                   "unsigned __int64 __cdecl FileReadDoubleArray(void *const ,double *,const unsigned "
+                   "__int64,const unsigned __int64,unsigned __int64)")
 
 TOVARIN_EXPORT unsigned __int64 __cdecl FileReadStrArrayA(void* const handle, char** array,
                                                           const unsigned __int64 size,
