@@ -138,6 +138,12 @@ void DeleteByHandle(void* const handle) {
 
 // Exports that differ only in their value or element type share one body each. Every export still
 // spells its own signature and stands on its own line, which its failure texts show.
+#define TOVARIN_OPEN(name, charType, widen, disposition, signature)                                          \
+    TOVARIN_EXPORT void* __cdecl name(const charType* path, const unsigned long access,                      \
+                                      const unsigned long share) {                                           \
+        return Call<void*>(TOVARIN_SITE(signature), nullptr,                                                 \
+                           [&] { return Project::OpenFile(widen(path), access, share, disposition); });      \
+    }
 #define TOVARIN_WRITE_VALUE(name, type, signature)                                                           \
     TOVARIN_EXPORT int __cdecl name(void* const handle, const type value) {                                  \
         return Call<int>(TOVARIN_SITE(signature), -1, [&] { return WriteValue(handle, value); });            \
@@ -341,85 +347,35 @@ TOVARIN_EXPORT int __cdecl FileSymbolicLinkByHandleW(void* const handle, const w
     });
 }
 
-TOVARIN_EXPORT void* __cdecl FileCreateAlwaysA(const char* path, const unsigned long access,
-                                               const unsigned long share) {
-    const Site site =
-        TOVARIN_SITE("void *__cdecl FileCreateAlwaysA(const char *,const unsigned long,const unsigned long)");
-    return Call<void*>(site, nullptr,
-                       [&] { return Project::OpenFile(WideA(path), access, share, CREATE_ALWAYS); });
-}
+TOVARIN_OPEN(FileCreateAlwaysA, char, WideA, CREATE_ALWAYS,
+             "void *__cdecl FileCreateAlwaysA(const char *,const unsigned long,const unsigned long)")
 
-TOVARIN_EXPORT void* __cdecl FileCreateAlwaysW(const wchar_t* path, const unsigned long access,
-                                               const unsigned long share) {
-    const Site site = TOVARIN_SITE(
-        "void *__cdecl FileCreateAlwaysW(const wchar_t *,const unsigned long,const unsigned long)");
-    return Call<void*>(site, nullptr,
-                       [&] { return Project::OpenFile(WideW(path), access, share, CREATE_ALWAYS); });
-}
+TOVARIN_OPEN(FileCreateAlwaysW, wchar_t, WideW, CREATE_ALWAYS,
+             "void *__cdecl FileCreateAlwaysW(const wchar_t *,const unsigned long,const unsigned long)")
 
-TOVARIN_EXPORT void* __cdecl FileCreateNewA(const char* path, const unsigned long access,
-                                            const unsigned long share) {
-    const Site site =
-        TOVARIN_SITE("void *__cdecl FileCreateNewA(const char *,const unsigned long,const unsigned long)");
-    return Call<void*>(site, nullptr,
-                       [&] { return Project::OpenFile(WideA(path), access, share, CREATE_NEW); });
-}
+TOVARIN_OPEN(FileCreateNewA, char, WideA, CREATE_NEW,
+             "void *__cdecl FileCreateNewA(const char *,const unsigned long,const unsigned long)")
 
-TOVARIN_EXPORT void* __cdecl FileCreateNewW(const wchar_t* path, const unsigned long access,
-                                            const unsigned long share) {
-    const Site site =
-        TOVARIN_SITE("void *__cdecl FileCreateNewW(const wchar_t *,const unsigned long,const unsigned long)");
-    return Call<void*>(site, nullptr,
-                       [&] { return Project::OpenFile(WideW(path), access, share, CREATE_NEW); });
-}
+TOVARIN_OPEN(FileCreateNewW, wchar_t, WideW, CREATE_NEW,
+             "void *__cdecl FileCreateNewW(const wchar_t *,const unsigned long,const unsigned long)")
 
-TOVARIN_EXPORT void* __cdecl FileOpenAlwaysA(const char* path, const unsigned long access,
-                                             const unsigned long share) {
-    const Site site =
-        TOVARIN_SITE("void *__cdecl FileOpenAlwaysA(const char *,const unsigned long,const unsigned long)");
-    return Call<void*>(site, nullptr,
-                       [&] { return Project::OpenFile(WideA(path), access, share, OPEN_ALWAYS); });
-}
+TOVARIN_OPEN(FileOpenAlwaysA, char, WideA, OPEN_ALWAYS,
+             "void *__cdecl FileOpenAlwaysA(const char *,const unsigned long,const unsigned long)")
 
-TOVARIN_EXPORT void* __cdecl FileOpenAlwaysW(const wchar_t* path, const unsigned long access,
-                                             const unsigned long share) {
-    const Site site = TOVARIN_SITE(
-        "void *__cdecl FileOpenAlwaysW(const wchar_t *,const unsigned long,const unsigned long)");
-    return Call<void*>(site, nullptr,
-                       [&] { return Project::OpenFile(WideW(path), access, share, OPEN_ALWAYS); });
-}
+TOVARIN_OPEN(FileOpenAlwaysW, wchar_t, WideW, OPEN_ALWAYS,
+             "void *__cdecl FileOpenAlwaysW(const wchar_t *,const unsigned long,const unsigned long)")
 
-TOVARIN_EXPORT void* __cdecl FileOpenExistingA(const char* path, const unsigned long access,
-                                               const unsigned long share) {
-    const Site site =
-        TOVARIN_SITE("void *__cdecl FileOpenExistingA(const char *,const unsigned long,const unsigned long)");
-    return Call<void*>(site, nullptr,
-                       [&] { return Project::OpenFile(WideA(path), access, share, OPEN_EXISTING); });
-}
+TOVARIN_OPEN(FileOpenExistingA, char, WideA, OPEN_EXISTING,
+             "void *__cdecl FileOpenExistingA(const char *,const unsigned long,const unsigned long)")
 
-TOVARIN_EXPORT void* __cdecl FileOpenExistingW(const wchar_t* path, const unsigned long access,
-                                               const unsigned long share) {
-    const Site site = TOVARIN_SITE(
-        "void *__cdecl FileOpenExistingW(const wchar_t *,const unsigned long,const unsigned long)");
-    return Call<void*>(site, nullptr,
-                       [&] { return Project::OpenFile(WideW(path), access, share, OPEN_EXISTING); });
-}
+TOVARIN_OPEN(FileOpenExistingW, wchar_t, WideW, OPEN_EXISTING,
+             "void *__cdecl FileOpenExistingW(const wchar_t *,const unsigned long,const unsigned long)")
 
-TOVARIN_EXPORT void* __cdecl FileOpenTruncateA(const char* path, const unsigned long access,
-                                               const unsigned long share) {
-    const Site site =
-        TOVARIN_SITE("void *__cdecl FileOpenTruncateA(const char *,const unsigned long,const unsigned long)");
-    return Call<void*>(site, nullptr,
-                       [&] { return Project::OpenFile(WideA(path), access, share, TRUNCATE_EXISTING); });
-}
+TOVARIN_OPEN(FileOpenTruncateA, char, WideA, TRUNCATE_EXISTING,
+             "void *__cdecl FileOpenTruncateA(const char *,const unsigned long,const unsigned long)")
 
-TOVARIN_EXPORT void* __cdecl FileOpenTruncateW(const wchar_t* path, const unsigned long access,
-                                               const unsigned long share) {
-    const Site site = TOVARIN_SITE(
-        "void *__cdecl FileOpenTruncateW(const wchar_t *,const unsigned long,const unsigned long)");
-    return Call<void*>(site, nullptr,
-                       [&] { return Project::OpenFile(WideW(path), access, share, TRUNCATE_EXISTING); });
-}
+TOVARIN_OPEN(FileOpenTruncateW, wchar_t, WideW, TRUNCATE_EXISTING,
+             "void *__cdecl FileOpenTruncateW(const wchar_t *,const unsigned long,const unsigned long)")
 
 TOVARIN_EXPORT __int64 __cdecl FileGetPointer(void* const handle) {
     const Site site = TOVARIN_SITE("__int64 __cdecl FileGetPointer(void *const )");
