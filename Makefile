@@ -23,6 +23,9 @@ demo: build
 	@mkdir -p dist && cp $(BUILD)/bin/Tovarin.dll dist/
 	@$(WINE_RUN) $(BUILD)/bin/TovarinDemo.exe
 
+bench: build
+	@$(WINE_RUN) $(BUILD)/bin/TovarinBench.exe
+
 clean:
 	rm -rf build dist
 
