@@ -194,8 +194,8 @@ bool IsTrimmed(const Char c) {
 template <class Char>
 void WriteLine(Utils::FileHdd& file, void* const handle, const Char* text, const size_t length) {
     static const Char kLineEnd[2] = {Char('\r'), Char('\n')};
-    file._Write(handle, text, length * sizeof(Char));
-    file._Write(handle, kLineEnd, sizeof(kLineEnd));
+    file.WriteHeld(handle, text, length * sizeof(Char));
+    file.WriteHeld(handle, kLineEnd, sizeof(kLineEnd));
 }
 
 void WriteItem(Utils::FileHdd& file, void* const handle, const wchar_t* text) {
@@ -264,7 +264,7 @@ std::basic_string<Char> ReadRest(Utils::FileHdd& file, void* const handle) {
     const unsigned __int64 k = position < total ? (total - position) / sizeof(Char) : 0;
     std::basic_string<Char> text(static_cast<size_t>(k), Char());
     if (k != 0)
-        file._Read(handle, &text[0], k * sizeof(Char));
+        file.ReadHeld(handle, &text[0], k * sizeof(Char));
     return text;
 }
 

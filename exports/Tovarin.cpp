@@ -36,14 +36,15 @@ std::wstring WideW(const wchar_t* text) { return text == nullptr ? std::wstring(
 
 template <class T>
 int WriteValue(void* const handle, const T& value) {
-    return static_cast<int>(WithFile(handle, [&](FileHdd& file, void* h) { return file._Write(h, &value, sizeof(T)); }));
+    return static_cast<int>(
+        WithFile(handle, [&](FileHdd& file, void* h) { return file.WriteHeld(h, &value, sizeof(T)); }));
 }
 
 // The count read is deliberately ignored; a short read throws in the file object.
 template <class T>
 T ReadValue(void* const handle) {
     T value = T();
-    WithFile(handle, [&](FileHdd& file, void* h) { file._Read(h, &value, sizeof(T)); });
+    WithFile(handle, [&](FileHdd& file, void* h) { file.ReadHeld(h, &value, sizeof(T)); });
     return value;
 }
 
@@ -54,8 +55,8 @@ __int64 SetPointer(void* const handle, const int method, const int distance) {
 template <class Char>
 int WriteText(void* const handle, const Char* text) {
     const size_t length = text == nullptr ? 0 : std::char_traits<Char>::length(text);
-    return static_cast<int>(
-        WithFile(handle, [&](FileHdd& file, void* h) { return file._Write(h, text, length * sizeof(Char)); }));
+    return static_cast<int>(WithFile(
+        handle, [&](FileHdd& file, void* h) { return file.WriteHeld(h, text, length * sizeof(Char)); }));
 }
 
 bool IsTrimmed(const unsigned c) { return c == 0 || c == ' ' || c == '\n' || c == '\r' || c == '\t'; }
@@ -75,7 +76,7 @@ Char* ReadText(void* const handle, const unsigned __int64 size) {
         std::memset(stackBuffer, 0, sizeof(stackBuffer));
     }
     if (size != 0)
-        WithFile(handle, [&](FileHdd& file, void* h) { file._Read(h, buffer, size * sizeof(Char)); });
+        WithFile(handle, [&](FileHdd& file, void* h) { file.ReadHeld(h, buffer, size * sizeof(Char)); });
     unsigned __int64 length = size;
     while (length > 0 && IsTrimmed(static_cast<unsigned>(buffer[length - 1])))
         --length;
@@ -95,7 +96,8 @@ unsigned __int64 WriteArray(const Site& site, void* const handle, const T* array
         Utils::Error::ThrowAt(site, "[f]", kNoArray, false, 0);
     if (n > kAllBits / sizeof(T))
         Utils::Error::ThrowAt(site, "[f]", kTooLarge, false, 0);
-    return WithFile(handle, [&](FileHdd& file, void* h) { return file._Write(h, array + start, n * sizeof(T)); }) /
+    return WithFile(handle,
+                    [&](FileHdd& file, void* h) { return file.WriteHeld(h, array + start, n * sizeof(T)); }) /
            sizeof(T);
 }
 
@@ -107,7 +109,8 @@ unsigned __int64 ReadArray(const Site& site, void* const handle, T* array, const
         Utils::Error::ThrowAt(site, "[f]", kNoArray, false, 0);
     if (n > kAllBits / sizeof(T))
         Utils::Error::ThrowAt(site, "[f]", kTooLarge, false, 0);
-    return WithFile(handle, [&](FileHdd& file, void* h) { return file._Read(h, array + start, n * sizeof(T)); }) /
+    return WithFile(handle,
+                    [&](FileHdd& file, void* h) { return file.ReadHeld(h, array + start, n * sizeof(T)); }) /
            sizeof(T);
 }
 
@@ -832,13 +835,13 @@ TOVARIN_EXPORT unsigned __int64 __cdecl FileCompletedW(const wchar_t* path, cons
 TOVARIN_EXPORT unsigned __int64 __cdecl FileReadVoid(void* const handle, void* buffer, const unsigned __int64 count) {
     const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileReadVoid(void *const ,void *,const unsigned __int64)");
     return Call<unsigned __int64>(site, kAllBits, [&] {
-        return WithFile(handle, [&](FileHdd& file, void* h) { return file._Read(h, buffer, count); });
+        return WithFile(handle, [&](FileHdd& file, void* h) { return file.ReadHeld(h, buffer, count); });
     });
 }
 
 TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteVoid(void* const handle, const void* buffer, const unsigned __int64 count) {
     const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileWriteVoid(void *const ,const void *,const unsigned __int64)");
     return Call<unsigned __int64>(site, kAllBits, [&] {
-        return WithFile(handle, [&](FileHdd& file, void* h) { return file._Write(h, buffer, count); });
+        return WithFile(handle, [&](FileHdd& file, void* h) { return file.WriteHeld(h, buffer, count); });
     });
 }
