@@ -9,7 +9,7 @@
 #include <cstring>
 #include <map>
 #include <type_traits>
-#include <vector>
+#include <string_view>
 
 namespace Project {
 
@@ -243,19 +243,6 @@ unsigned __int64 WriteByHandle(const char* signature, void* const handle, const 
 
 // ---- Reading ----
 
-std::vector<std::wstring> Split(const std::wstring& text, const unsigned __int64 n) {
-    std::vector<std::wstring> pieces;
-    if (!text.empty())
-        Utils::String::ExtractThruSubstringW(text, std::wstring(L"\r\n"), 0, pieces, n);
-    return pieces;
-}
-std::vector<std::string> Split(const std::string& text, const unsigned __int64 n) {
-    std::vector<std::string> pieces;
-    if (!text.empty())
-        Utils::String::ExtractThruSubstringA(text, std::string("\r\n"), 0, pieces, n);
-    return pieces;
-}
-
 // The whole rest of the file, in one transfer: the pointer ends at the end of the file.
 template <class Char>
 std::basic_string<Char> ReadRest(Utils::FileHdd& file, void* const handle) {
@@ -269,9 +256,9 @@ std::basic_string<Char> ReadRest(Utils::FileHdd& file, void* const handle) {
 }
 
 template <class Char>
-void Place(Char** array, const unsigned __int64 index, const unsigned __int64 capacity,
-           const std::basic_string<Char>& piece) {
-    if (piece.empty())
+void Place(Char** array, const unsigned __int64 index, const unsigned __int64 capacity, const Char* piece,
+           const size_t length) {
+    if (length == 0)
         return;
     Char* buffer = array[index];
     if (buffer == nullptr)
@@ -279,25 +266,25 @@ void Place(Char** array, const unsigned __int64 index, const unsigned __int64 ca
                       L"Отсутствует буфер строки массива: указатель равен нулю.\r\nЭлемент массива: " +
                           std::to_wstring(index));
     // The host's buffer must hold the whole line; no terminating zero is written.
-    if (piece.size() > capacity)
+    if (length > capacity)
         TOVARIN_THROW(kReadByPtr, false,
-                      L"Буфер строки массива меньше прочитанной строки.\r\nЭлемент массива: " + std::to_wstring(index) +
-                          L"\r\nДлина строки: " + std::to_wstring(piece.size()) + L"\r\nРазмер буфера: " +
-                          std::to_wstring(capacity));
-    std::memcpy(buffer, piece.data(), piece.size() * sizeof(Char));
+                      L"Буфер строки массива меньше прочитанной строки.\r\nЭлемент массива: " +
+                          std::to_wstring(index) + L"\r\nДлина строки: " + std::to_wstring(length) +
+                          L"\r\nРазмер буфера: " + std::to_wstring(capacity));
+    std::memcpy(buffer, piece, length * sizeof(Char));
 }
 
 template <class Record, class Char>
-void Place(Record* array, const unsigned __int64 index, const unsigned __int64,
-           const std::basic_string<Char>& piece) {
+void Place(Record* array, const unsigned __int64 index, const unsigned __int64, const Char* piece,
+           const size_t pieceLength) {
     Record& record = array[index];
     if (record.length <= 0 || record.pointer == nullptr)
         return;
     // Cut to the record's buffer and always terminated within it.
     const size_t length = static_cast<size_t>(record.length);
-    const size_t copied = piece.size() < length ? piece.size() : length;
-    std::memcpy(record.pointer, piece.data(), copied * sizeof(Char));
-    const size_t zeroAt = (length < piece.size() + 1 ? length : piece.size() + 1) - 1;
+    const size_t copied = pieceLength < length ? pieceLength : length;
+    std::memcpy(record.pointer, piece, copied * sizeof(Char));
+    const size_t zeroAt = (length < pieceLength + 1 ? length : pieceLength + 1) - 1;
     record.pointer[zeroAt] = Char();
 }
 
@@ -311,11 +298,16 @@ unsigned __int64 ReadStrArrayByPtr(FilePtr file, Item* array, const unsigned __i
         Guard guard(file->Lock());
         text = ReadRest<Char>(*file, file->Handle());
     }
-    const auto pieces = Split(text, n);
-    const unsigned __int64 m = n < pieces.size() ? n : pieces.size();
+    // The lines are placed straight from the text: no copy of a line is made.
+    static const Char kLineEnd[2] = {Char('\r'), Char('\n')};
     unsigned __int64 i = 0;
-    for (; i < m && start + i < size; ++i)
-        Place(array, start + i, capacity, pieces[static_cast<size_t>(i)]);
+    Utils::String::VisitThruSubstring(text.data(), text.size(), std::basic_string_view<Char>(kLineEnd, 2), n,
+                                      [&](const Char* piece, const size_t length) {
+                                          if (start + i < size) {
+                                              Place(array, start + i, capacity, piece, length);
+                                              ++i;
+                                          }
+                                      });
     return i;
 }
 

@@ -3,6 +3,7 @@
 // functions share its defaults (all bits set: to the end), its clipping and its failure texts.
 // Failures are thrown as composed wide texts (std::wstring); a failed check changes nothing.
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Utils {
@@ -38,6 +39,29 @@ template <class I>
 unsigned __int64 ExtractThruSubstringW(const std::wstring& text, const std::wstring& separator, const I,
                                        std::vector<std::wstring>& pieces, const unsigned __int64 maxPieces) {
     return detail::ExtractThruSubstringW(text, separator, pieces, maxPieces);
+}
+
+// The splitting rule of ExtractThruSubstringW without building the pieces: calls
+// visit(first, length) for each piece of the `length` characters at `text` that `separator` ends,
+// at most `maxPieces`, in order, and returns what ExtractThruSubstringW returns. Nothing is copied
+// and nothing is allocated. `separator` must not be empty.
+template <class Char, class Visit>
+unsigned __int64 VisitThruSubstring(const Char* text, const size_t length,
+                                    const std::basic_string_view<Char> separator,
+                                    const unsigned __int64 maxPieces, Visit&& visit) {
+    const std::basic_string_view<Char> all(text, length);
+    size_t position = 0;
+    unsigned __int64 pieces = 0;
+    while (position < length && pieces < maxPieces) {
+        const size_t found = all.find(separator, position);
+        if (found == std::basic_string_view<Char>::npos)
+            break;
+        visit(text + position, found - position);
+        ++pieces;
+        position = found + separator.length();
+    }
+    // Only a piece that its separator ends is taken; the tail starts at the returned position.
+    return position == 0 ? static_cast<unsigned __int64>(-1) : static_cast<unsigned __int64>(position);
 }
 
 // The 8-bit twin of ExtractThruSubstringW.
