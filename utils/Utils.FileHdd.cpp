@@ -36,6 +36,15 @@ const char kHardLink[] = "void __cdecl " FILEHDD "HardLink(const " TOVARIN_WSTRI
 
 typedef Sync::Lock<Sync::CriticalSection> Guard;
 
+// "X:\..." or "\\?\X:\...": a folder on a drive letter, absolute.
+bool IsDriveFolder(const std::wstring& folder) {
+    const size_t at = folder.rfind(L"\\\\?\\", 0) == 0 ? 4 : 0;
+    if (folder.size() < at + 3 || folder[at + 1] != L':' || folder[at + 2] != L'\\')
+        return false;
+    const wchar_t drive = folder[at];
+    return (drive >= L'A' && drive <= L'Z') || (drive >= L'a' && drive <= L'z');
+}
+
 } // namespace
 
 SystemCalls& Sys() {
@@ -124,6 +133,17 @@ void* FileHdd::_Create(const std::wstring& path, const unsigned long disposition
     Guard guard(lock_);
     String::Path::Has(path);
     const std::wstring folder = String::Path::TrimNameFileCW(path, 0);
+    // The folder step matters only when the file cannot be opened without it. In a folder on a
+    // drive the file is tried first: a file that opens proves its folder is there, so the folder
+    // step would have found it and changed nothing; an attempt that fails changes nothing either,
+    // and the steps then run in their order.
+    if (IsDriveFolder(folder)) {
+        ::SetLastError(0);
+        HANDLE handle = Sys().createFile(path.c_str(), access_, share_, nullptr, disposition, flags_,
+                                         static_cast<HANDLE>(templateFile_));
+        if (handle != INVALID_HANDLE_VALUE && handle != nullptr)
+            return handle;
+    }
     if (!CreateFolder(folder))
         TOVARIN_THROW(kCreate, false, L"Для файла не создан каталог:\r\n\"" + folder + L"\"");
     ::SetLastError(0);

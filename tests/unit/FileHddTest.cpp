@@ -159,6 +159,56 @@ TEST(FileHddCreate, MakesMissingFolders) {
     EXPECT_TRUE(TestSupport::FileExists(path));
 }
 
+// The folder is made even when the open then fails, as the steps go in their order.
+TEST(FileHddCreate, MissingFolderIsMadeBeforeAFailedOpen) {
+    TempDir dir;
+    const std::wstring path = dir / L"made\\missing.bin";
+    FileHdd file;
+    file.Init(path, nullptr, true);
+    ExpectFailure([&] { file.Create(OPEN_EXISTING); },
+                  {L"Не открыт файл:\r\n\"" + path + L"\"\r\nВыполняемые действия с файлом: OPEN_EXISTING"});
+    const DWORD attributes = ::GetFileAttributesW((dir / L"made").c_str());
+    ASSERT_NE(attributes, INVALID_FILE_ATTRIBUTES);
+    EXPECT_NE(attributes & FILE_ATTRIBUTE_DIRECTORY, 0u);
+}
+
+// A name without a folder fails the folder step before anything is opened or created.
+TEST(FileHddCreate, NameWithoutAFolderIsRefusedBeforeTheOpen) {
+    const std::wstring path = L"tovarin-relative-name.bin";
+    FileHdd file;
+    file.Init(path, nullptr, true);
+    ExpectFailure([&] { file.Create(OPEN_ALWAYS); }, {L"Для файла не создан каталог:\r\n\"" + path + L"\""});
+    EXPECT_EQ(file.Handle(), nullptr);
+    EXPECT_FALSE(TestSupport::FileExists(path));
+}
+
+// In a folder on a drive the file is tried first; the folder step follows only a failed attempt.
+int g_opens = 0;
+
+TEST(FileHddCreate, OnADriveTheFileIsTriedBeforeTheFolderStep) {
+    TempDir dir;
+    Utils::SystemCalls saved = Utils::Sys();
+    Utils::Sys().createFile = [](LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                                 DWORD disposition, DWORD flags, HANDLE model) -> HANDLE {
+        ++g_opens;
+        return ::CreateFileW(name, access, share, security, disposition, flags, model);
+    };
+    FileHdd there;
+    there.Init(dir / L"there.bin", nullptr, true);
+    g_opens = 0;
+    ASSERT_NE(there.Create(CREATE_ALWAYS), nullptr);
+    EXPECT_EQ(g_opens, 1);
+    FileHdd nested;
+    nested.Init(dir / L"x\\y\\nested.bin", nullptr, true);
+    g_opens = 0;
+    ASSERT_NE(nested.Create(CREATE_NEW), nullptr);
+    EXPECT_EQ(g_opens, 2); // refused for the missing folder, then made after it
+    Utils::Sys() = saved;
+    there.Close();
+    nested.Close();
+    EXPECT_TRUE(TestSupport::FileExists(dir / L"x\\y\\nested.bin"));
+}
+
 TEST(FileHddCreate, DispositionNames) {
     EXPECT_STREQ(Utils::DispositionName(0), L"EMPTY");
     EXPECT_STREQ(Utils::DispositionName(1), L"CREATE_NEW");
