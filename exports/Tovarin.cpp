@@ -818,14 +818,14 @@ TOVARIN_EXPORT unsigned __int64 __cdecl FileReadStrArrayMW(void* const handle, s
     });
 }
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileCompletedA(const char* path, const unsigned short access, const int share, const __int64 offset, const unsigned short origin, const unsigned long size, void* buffer, const unsigned __int64 count) {
+TOVARIN_EXPORT unsigned __int64 __cdecl FileCompletedA(const char* path, const unsigned short access, const int share, const __int64 /*offset*/, const unsigned short /*origin*/, const unsigned long /*size*/, void* /*buffer*/, const unsigned __int64 /*count*/) {
     const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileCompletedA(const char *,const unsigned short,const int,const __int64,const unsigned short,const unsigned long,void *,const unsigned __int64)");
     return Call<unsigned __int64>(site, static_cast<unsigned __int64>(0), [&] {
         return Project::CompletedOperation(WideA(path), access, share);
     });
 }
 
-TOVARIN_EXPORT unsigned __int64 __cdecl FileCompletedW(const wchar_t* path, const unsigned short access, const int share, const __int64 offset, const unsigned short origin, const unsigned long size, void* buffer, const unsigned __int64 count) {
+TOVARIN_EXPORT unsigned __int64 __cdecl FileCompletedW(const wchar_t* path, const unsigned short access, const int share, const __int64 /*offset*/, const unsigned short /*origin*/, const unsigned long /*size*/, void* /*buffer*/, const unsigned __int64 /*count*/) {
     const Site site = TOVARIN_SITE("unsigned __int64 __cdecl FileCompletedW(const wchar_t *,const unsigned short,const int,const __int64,const unsigned short,const unsigned long,void *,const unsigned __int64)");
     return Call<unsigned __int64>(site, static_cast<unsigned __int64>(0), [&] {
         return Project::CompletedOperation(WideW(path), access, share);

@@ -96,7 +96,7 @@ TEST(ScalarExports, RoundTripTheirBytesExactly) {
     ScalarRoundTrip<unsigned int>("FileWriteUInt", "FileReadUInt", 0xDEADBEEFu);
     ScalarRoundTrip<__int64>("FileWriteInt64", "FileReadInt64", std::numeric_limits<__int64>::min());
     ScalarRoundTrip<u64>("FileWriteUInt64", "FileReadUInt64", kAllBits);
-    ScalarRoundTrip<float>("FileWriteFlt", "FileReadFlt", -3.5e38f);
+    ScalarRoundTrip<float>("FileWriteFlt", "FileReadFlt", -3.25e38f);
     ScalarRoundTrip<double>("FileWriteDbl", "FileReadDbl", std::numeric_limits<double>::denorm_min());
     EXPECT_TRUE(boxes.Boxes().empty());
 }

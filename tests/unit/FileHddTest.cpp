@@ -17,8 +17,6 @@ using Utils::FileHdd;
 
 namespace {
 
-std::wstring Tail(const std::wstring& text, size_t n) { return text.size() < n ? text : text.substr(text.size() - n); }
-
 // Expects `action` to throw a text that contains every piece of `pieces`.
 template <class Action>
 void ExpectFailure(Action action, std::initializer_list<std::wstring> pieces) {
@@ -117,8 +115,9 @@ TEST_P(FileHddCreate, OpensOrRefusesByDisposition) {
     const DispositionCase& c = GetParam();
     TempDir dir;
     const std::wstring path = dir / L"f.bin";
-    if (c.exists)
+    if (c.exists) {
         ASSERT_TRUE(TestSupport::WriteFileBytes(path, "old"));
+    }
     FileHdd file;
     file.Init(path, nullptr, true);
     if (c.opens) {
