@@ -20,6 +20,7 @@
 #include <cstring>
 #include <cwchar>
 #include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -37,7 +38,7 @@ struct Sizes {
     int repetitions;      // timed runs per side, after one warm-up run
 };
 
-const Sizes kFull = {1000000, 64u << 20, 100000, 2000, 500000, 5};
+const Sizes kFull = {1000000, 64u << 20, 100000, 2000, 300000, 7};
 const Sizes kSmoke = {2000, 1u << 20, 1000, 20, 2000, 1};
 
 // ---- Clock, medians ------------------------------------------------------------------------------
@@ -118,9 +119,12 @@ void Rewind(void* handle) {
     ::SetFilePointer(handle, 0, nullptr, FILE_BEGIN);
 }
 
+// Empties the file and lets the system finish with it, so that no write-back of an earlier run is
+// under way while the next one is timed.
 void Truncate(void* handle) {
     Rewind(handle);
     ::SetEndOfFile(handle);
+    ::FlushFileBuffers(handle);
 }
 
 // The whole file, read through `handle` from the start; the pointer ends at the end.
@@ -171,15 +175,20 @@ struct Side {
 struct Outcome {
     double tovarin; // median seconds of one run
     double raw;
+    double ratio;              // median over the pairs of runs of Tovarin's time / raw time
     double allocationsPerCall; // Tovarin's heap allocations per export call in the timed runs
 };
 
-// One warm-up run of each side, then `repetitions` timed runs of each, alternating which goes first.
+// One warm-up run of each side, then `repetitions` pairs of timed runs, the two runs of a pair
+// back to back and the side that goes first alternating. A pair sees the same state of the
+// machine, so the median of the pairs' ratios is steadier than the ratio of the medians.
 Outcome Compare(const char* name, const Side& tovarin, const Side& raw, const int repetitions,
                 const unsigned callsPerRun) {
     std::vector<double> times[2];
+    std::vector<double> ratios;
     unsigned long long allocations = 0;
     for (int r = -1; r < repetitions; ++r) {
+        double pair[2] = {0.0, 0.0};
         for (int k = 0; k < 2; ++k) {
             const bool isTovarin = (k == 0) == (r % 2 == 0);
             const Side& side = isTovarin ? tovarin : raw;
@@ -194,15 +203,19 @@ Outcome Compare(const char* name, const Side& tovarin, const Side& raw, const in
             if (!side.verify())
                 Fail(name, isTovarin ? "file contents after Tovarin calls are wrong"
                                      : "file contents after raw calls are wrong");
-            if (r < 0)
-                continue; // the warm-up run: first-use work of both sides
-            times[isTovarin ? 0 : 1].push_back(elapsed);
-            if (isTovarin)
+            pair[isTovarin ? 0 : 1] = elapsed;
+            if (r >= 0 && isTovarin) // the warm-up run does the first-use work of both sides
                 allocations += made;
         }
+        if (r < 0)
+            continue;
+        times[0].push_back(pair[0]);
+        times[1].push_back(pair[1]);
+        ratios.push_back(pair[1] > 0 ? pair[0] / pair[1] : 0.0);
     }
     const double calls = static_cast<double>(repetitions) * callsPerRun;
-    return {Median(times[0]), Median(times[1]), calls > 0 ? static_cast<double>(allocations) / calls : 0.0};
+    return {Median(times[0]), Median(times[1]), Median(ratios),
+            calls > 0 ? static_cast<double>(allocations) / calls : 0.0};
 }
 
 // ---- The table ------------------------------------------------------------------------------------
@@ -232,14 +245,16 @@ std::string Time(const double seconds) {
 
 void Add(const std::string& name, const std::string& perUnit, const Outcome& outcome, const double units,
          const double target, const bool countAllocations, const bool mustBeZero) {
-    const double ratio = outcome.raw > 0 ? outcome.tovarin / outcome.raw : 0.0;
-    g_rows.push_back({name, perUnit, outcome.tovarin / units, outcome.raw / units, ratio, target, false,
-                      countAllocations ? outcome.allocationsPerCall : -1.0, mustBeZero});
+    g_rows.push_back({name, perUnit, outcome.tovarin / units, outcome.raw / units, outcome.ratio, target,
+                      false, countAllocations ? outcome.allocationsPerCall : -1.0, mustBeZero});
 }
 
 void Print(const Sizes& sizes) {
-    std::printf("\nTovarin against raw Win32, same run: median of %d runs after a warm-up run\n",
-                sizes.repetitions);
+    std::printf(
+        "\nTovarin against raw Win32 in one run. Times: medians of %d runs per side after a warm-up run;\n"
+        "ratio: median of the %d pairs' ratios (Tovarin time / raw time, the two runs of a pair back to "
+        "back)\n",
+        sizes.repetitions, sizes.repetitions);
     std::printf("%-46s %-10s %12s %12s %7s %8s  %-22s %s\n", "case", "per", "Tovarin", "raw", "ratio",
                 "target", "result", "allocations/call");
     for (const Row& row : g_rows) {
@@ -452,7 +467,8 @@ void StringArrayCases(const Files& files, const Sizes& sizes) {
         [t, into, n, capacity] { return FileReadStrArrayW(t, into, n, capacity, 0, TOVARIN_TO_END) == n; },
         filled};
     // The raw equivalent of the reader: the size, the position, the rest of the file in one read
-    // into a buffer of its exact length, then the lines cut at CR LF into the host's buffers.
+    // into a new zero-filled buffer of its exact length, then the lines cut at CR LF into the host's
+    // buffers.
     const Side readR = {
         [r, clear] {
             Rewind(r);
@@ -466,10 +482,10 @@ void StringArrayCases(const Files& files, const Sizes& sizes) {
                 return false;
             const size_t total = (static_cast<size_t>(high) << 32) + low;
             const size_t k = position < total ? (total - position) / sizeof(wchar_t) : 0;
-            std::vector<wchar_t> text(k);
+            std::unique_ptr<wchar_t[]> text(new wchar_t[k]());
             DWORD done = 0;
             if (k != 0 &&
-                (!::ReadFile(r, text.data(), static_cast<DWORD>(k * sizeof(wchar_t)), &done, nullptr) ||
+                (!::ReadFile(r, text.get(), static_cast<DWORD>(k * sizeof(wchar_t)), &done, nullptr) ||
                  done != k * sizeof(wchar_t)))
                 return false;
             unsigned i = 0;
@@ -539,12 +555,8 @@ void OpenCloseCase(const Files& files, const Sizes& sizes) {
                         return bad == 0;
                     },
                     [&pathR, closed] { return closed(pathR); }};
-    const Outcome outcome = Compare("open and close", t, r, sizes.repetitions, n);
-    Add("5. FileOpenExistingW+FileCloseHandle", "pair", outcome, n, 2.0, true, false);
-    // The counter must see the allocations of an open (a new file object): otherwise a count of
-    // 0 elsewhere would prove nothing.
-    if (outcome.allocationsPerCall < 1.0)
-        Fail("allocation counter", "it saw no allocation in an open and close: it does not count");
+    Add("5. FileOpenExistingW+FileCloseHandle", "pair", Compare("open and close", t, r, sizes.repetitions, n),
+        n, 2.0, true, false);
 }
 
 // 6: one or two threads, each on its own file, each writing one value per call.
@@ -616,15 +628,25 @@ void ThreadCases(const Files& files, const Sizes& sizes) {
                 c.times.push_back(elapsed);
         }
     }
+    // Per repetition, from the four runs that went together: throughput of two threads against
+    // one, (2n / two) / (n / one), and the two-thread times of Tovarin against raw.
+    std::vector<double> scaling, rawScaling, twoThreads;
+    for (int r = 0; r < sizes.repetitions; ++r) {
+        const double t1 = configurations[0].times[r], t2 = configurations[1].times[r];
+        const double r1 = configurations[2].times[r], r2 = configurations[3].times[r];
+        scaling.push_back(2.0 * t1 / t2);
+        rawScaling.push_back(2.0 * r1 / r2);
+        twoThreads.push_back(t2 / r2);
+    }
     const double t1 = Median(configurations[0].times), t2 = Median(configurations[1].times);
     const double r1 = Median(configurations[2].times), r2 = Median(configurations[3].times);
-    // Throughput ratio, two threads against one: (2n / t2) / (n / t1).
+    // The times are per call of one thread, aggregated: the wall time over all calls.
     g_rows.push_back({"6. 2 threads/2 files FileWriteInt vs 1 thread", "call", t2 / (2.0 * n), t1 / n,
-                      t2 > 0 ? 2.0 * t1 / t2 : 0.0, 1.6, true, -1.0, false});
+                      Median(scaling), 1.6, true, -1.0, false});
     g_rows.push_back({"6. 2 threads: FileWriteInt / WriteFile", "call", t2 / (2.0 * n), r2 / (2.0 * n),
-                      r2 > 0 ? t2 / r2 : 0.0, 0.0, false, -1.0, false});
+                      Median(twoThreads), 0.0, false, -1.0, false});
     g_rows.push_back({"6. (machine) 2 threads raw WriteFile vs 1 thread", "call", r2 / (2.0 * n), r1 / n,
-                      r2 > 0 ? 2.0 * r1 / r2 : 0.0, 0.0, true, -1.0, false});
+                      Median(rawScaling), 0.0, true, -1.0, false});
     FileCloseHandle(tovarin[0]);
     FileCloseHandle(tovarin[1]);
     ::CloseHandle(raw[0]);
@@ -652,10 +674,37 @@ void RemoveFolder(const std::wstring& folder) {
     ::RemoveDirectoryW(folder.c_str());
 }
 
+// True when the work of `name` was asked for: all of it without --only.
+bool Wanted(const std::string& only, const char* name) {
+    return only.empty() || ("," + only + ",").find("," + std::string(name) + ",") != std::string::npos;
+}
+
+// The counter must see the allocations of an open (a new file object): otherwise a count of 0
+// elsewhere would prove nothing.
+void CheckTheCounter(const Files& files) {
+    const unsigned long long before = Bench::ImportCounter::Allocations();
+    void* const handle =
+        FileCreateAlwaysW(files.Path(L"counter.bin").c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
+    FileCloseHandle(handle);
+    if (handle == nullptr || Bench::ImportCounter::Allocations() == before)
+        Fail("allocation counter", "it saw no allocation in an open and close: it does not count");
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    const bool smoke = argc > 1 && std::strcmp(argv[1], "--smoke") == 0;
+    bool smoke = false;
+    std::string only;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--smoke") == 0) {
+            smoke = true;
+        } else if (std::strcmp(argv[i], "--only") == 0 && i + 1 < argc) {
+            only = argv[++i];
+        } else {
+            std::fprintf(stderr, "usage: TovarinBench [--smoke] [--only scalar,bulk,strings,open,threads]\n");
+            return 2;
+        }
+    }
     const Sizes& sizes = smoke ? kSmoke : kFull;
     const int hooks = Bench::ImportCounter::Install(::GetModuleHandleW(L"Tovarin.dll"));
     if (hooks == 0)
@@ -670,11 +719,17 @@ int main(int argc, char** argv) {
     int boxes = 0;
     {
         BoxWatch watch;
-        ScalarCases(files, sizes);
-        BulkCases(files, sizes);
-        StringArrayCases(files, sizes);
-        OpenCloseCase(files, sizes);
-        ThreadCases(files, sizes);
+        CheckTheCounter(files);
+        if (Wanted(only, "scalar"))
+            ScalarCases(files, sizes);
+        if (Wanted(only, "bulk"))
+            BulkCases(files, sizes);
+        if (Wanted(only, "strings"))
+            StringArrayCases(files, sizes);
+        if (Wanted(only, "open"))
+            OpenCloseCase(files, sizes);
+        if (Wanted(only, "threads"))
+            ThreadCases(files, sizes);
         boxes = watch.Seen();
     }
     RemoveFolder(files.folder);
