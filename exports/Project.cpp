@@ -8,6 +8,7 @@
 #include <cwchar>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <type_traits>
 #include <string_view>
 
@@ -243,16 +244,20 @@ unsigned __int64 WriteByHandle(const char* signature, void* const handle, const 
 
 // ---- Reading ----
 
-// The whole rest of the file, in one transfer: the pointer ends at the end of the file.
+// The whole rest of the file, in one transfer into `text`, a new buffer of its exact length: the
+// pointer ends at the end of the file. Returns the number of characters. The buffer is zero-filled
+// first although the transfer fills all of it or throws: under Wine, touching the new pages before
+// the system call writes them is measurably faster than letting the system call fault them in.
 template <class Char>
-std::basic_string<Char> ReadRest(Utils::FileHdd& file, void* const handle) {
+size_t ReadRest(Utils::FileHdd& file, void* const handle, std::unique_ptr<Char[]>& text) {
     const unsigned __int64 total = file._Size64(handle);
     const unsigned __int64 position = static_cast<unsigned __int64>(file._SetPointer(handle, FILE_CURRENT, 0));
     const unsigned __int64 k = position < total ? (total - position) / sizeof(Char) : 0;
-    std::basic_string<Char> text(static_cast<size_t>(k), Char());
-    if (k != 0)
-        file.ReadHeld(handle, &text[0], k * sizeof(Char));
-    return text;
+    if (k != 0) {
+        text.reset(new Char[static_cast<size_t>(k)]());
+        file.ReadHeld(handle, text.get(), k * sizeof(Char));
+    }
+    return static_cast<size_t>(k);
 }
 
 template <class Char>
@@ -293,15 +298,16 @@ unsigned __int64 ReadStrArrayByPtr(FilePtr file, Item* array, const unsigned __i
                                    const unsigned __int64 capacity, const unsigned __int64 start,
                                    const unsigned __int64 count) {
     const unsigned __int64 n = Utils::Checking::CountDirect(TOVARIN_SITE(kReadByPtr), size, start, count);
-    std::basic_string<Char> text;
+    std::unique_ptr<Char[]> text;
+    size_t length;
     {
         Guard guard(file->Lock());
-        text = ReadRest<Char>(*file, file->Handle());
+        length = ReadRest<Char>(*file, file->Handle(), text);
     }
     // The lines are placed straight from the text: no copy of a line is made.
     static const Char kLineEnd[2] = {Char('\r'), Char('\n')};
     unsigned __int64 i = 0;
-    Utils::String::VisitThruSubstring(text.data(), text.size(), std::basic_string_view<Char>(kLineEnd, 2), n,
+    Utils::String::VisitThruSubstring(text.get(), length, std::basic_string_view<Char>(kLineEnd, 2), n,
                                       [&](const Char* piece, const size_t length) {
                                           if (start + i < size) {
                                               Place(array, start + i, capacity, piece, length);

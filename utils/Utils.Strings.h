@@ -2,6 +2,7 @@
 // Small text algorithms of the file layer. Every range goes through Utils::Checking, so the
 // functions share its defaults (all bits set: to the end), its clipping and its failure texts.
 // Failures are thrown as composed wide texts (std::wstring); a failed check changes nothing.
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,21 +45,27 @@ unsigned __int64 ExtractThruSubstringW(const std::wstring& text, const std::wstr
 // The splitting rule of ExtractThruSubstringW without building the pieces: calls
 // visit(first, length) for each piece of the `length` characters at `text` that `separator` ends,
 // at most `maxPieces`, in order, and returns what ExtractThruSubstringW returns. Nothing is copied
-// and nothing is allocated. `separator` must not be empty.
+// and nothing is allocated. An empty separator ends no piece.
 template <class Char, class Visit>
 unsigned __int64 VisitThruSubstring(const Char* text, const size_t length,
                                     const std::basic_string_view<Char> separator,
                                     const unsigned __int64 maxPieces, Visit&& visit) {
-    const std::basic_string_view<Char> all(text, length);
+    // A plain scan: a search call per piece would cost more than the short lines it finds.
+    const size_t width = separator.length();
+    if (width == 0)
+        return static_cast<unsigned __int64>(-1);
+    const Char first = separator[0];
     size_t position = 0;
     unsigned __int64 pieces = 0;
-    while (position < length && pieces < maxPieces) {
-        const size_t found = all.find(separator, position);
-        if (found == std::basic_string_view<Char>::npos)
+    for (size_t at = 0; position < length && pieces < maxPieces; at = position) {
+        while (at + width <= length &&
+               !(text[at] == first && std::equal(separator.begin() + 1, separator.end(), text + at + 1)))
+            ++at;
+        if (at + width > length)
             break;
-        visit(text + position, found - position);
+        visit(text + position, at - position);
         ++pieces;
-        position = found + separator.length();
+        position = at + width;
     }
     // Only a piece that its separator ends is taken; the tail starts at the returned position.
     return position == 0 ? static_cast<unsigned __int64>(-1) : static_cast<unsigned __int64>(position);
