@@ -26,6 +26,9 @@ dist: build
 	@cmake --build --preset mingw --target dist
 	@ls -l dist
 
+bench: build
+	@$(WINE_RUN) $(BUILD)/bin/TovarinBench.exe
+
 clean:
 	rm -rf build dist
 

@@ -8,8 +8,9 @@
 #include <cwchar>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <type_traits>
-#include <vector>
+#include <string_view>
 
 namespace Project {
 
@@ -194,8 +195,8 @@ bool IsTrimmed(const Char c) {
 template <class Char>
 void WriteLine(Utils::FileHdd& file, void* const handle, const Char* text, const size_t length) {
     static const Char kLineEnd[2] = {Char('\r'), Char('\n')};
-    file._Write(handle, text, length * sizeof(Char));
-    file._Write(handle, kLineEnd, sizeof(kLineEnd));
+    file.WriteHeld(handle, text, length * sizeof(Char));
+    file.WriteHeld(handle, kLineEnd, sizeof(kLineEnd));
 }
 
 void WriteItem(Utils::FileHdd& file, void* const handle, const wchar_t* text) {
@@ -243,35 +244,26 @@ unsigned __int64 WriteByHandle(const char* signature, void* const handle, const 
 
 // ---- Reading ----
 
-std::vector<std::wstring> Split(const std::wstring& text, const unsigned __int64 n) {
-    std::vector<std::wstring> pieces;
-    if (!text.empty())
-        Utils::String::ExtractThruSubstringW(text, std::wstring(L"\r\n"), 0, pieces, n);
-    return pieces;
-}
-std::vector<std::string> Split(const std::string& text, const unsigned __int64 n) {
-    std::vector<std::string> pieces;
-    if (!text.empty())
-        Utils::String::ExtractThruSubstringA(text, std::string("\r\n"), 0, pieces, n);
-    return pieces;
-}
-
-// The whole rest of the file, in one transfer: the pointer ends at the end of the file.
+// The whole rest of the file, in one transfer into `text`, a new buffer of its exact length: the
+// pointer ends at the end of the file. Returns the number of characters. The buffer is zero-filled
+// first although the transfer fills all of it or throws: under Wine, touching the new pages before
+// the system call writes them is measurably faster than letting the system call fault them in.
 template <class Char>
-std::basic_string<Char> ReadRest(Utils::FileHdd& file, void* const handle) {
+size_t ReadRest(Utils::FileHdd& file, void* const handle, std::unique_ptr<Char[]>& text) {
     const unsigned __int64 total = file._Size64(handle);
     const unsigned __int64 position = static_cast<unsigned __int64>(file._SetPointer(handle, FILE_CURRENT, 0));
     const unsigned __int64 k = position < total ? (total - position) / sizeof(Char) : 0;
-    std::basic_string<Char> text(static_cast<size_t>(k), Char());
-    if (k != 0)
-        file._Read(handle, &text[0], k * sizeof(Char));
-    return text;
+    if (k != 0) {
+        text.reset(new Char[static_cast<size_t>(k)]());
+        file.ReadHeld(handle, text.get(), k * sizeof(Char));
+    }
+    return static_cast<size_t>(k);
 }
 
 template <class Char>
-void Place(Char** array, const unsigned __int64 index, const unsigned __int64 capacity,
-           const std::basic_string<Char>& piece) {
-    if (piece.empty())
+void Place(Char** array, const unsigned __int64 index, const unsigned __int64 capacity, const Char* piece,
+           const size_t length) {
+    if (length == 0)
         return;
     Char* buffer = array[index];
     if (buffer == nullptr)
@@ -279,25 +271,25 @@ void Place(Char** array, const unsigned __int64 index, const unsigned __int64 ca
                       L"Отсутствует буфер строки массива: указатель равен нулю.\r\nЭлемент массива: " +
                           std::to_wstring(index));
     // The host's buffer must hold the whole line; no terminating zero is written.
-    if (piece.size() > capacity)
+    if (length > capacity)
         TOVARIN_THROW(kReadByPtr, false,
-                      L"Буфер строки массива меньше прочитанной строки.\r\nЭлемент массива: " + std::to_wstring(index) +
-                          L"\r\nДлина строки: " + std::to_wstring(piece.size()) + L"\r\nРазмер буфера: " +
-                          std::to_wstring(capacity));
-    std::memcpy(buffer, piece.data(), piece.size() * sizeof(Char));
+                      L"Буфер строки массива меньше прочитанной строки.\r\nЭлемент массива: " +
+                          std::to_wstring(index) + L"\r\nДлина строки: " + std::to_wstring(length) +
+                          L"\r\nРазмер буфера: " + std::to_wstring(capacity));
+    std::memcpy(buffer, piece, length * sizeof(Char));
 }
 
 template <class Record, class Char>
-void Place(Record* array, const unsigned __int64 index, const unsigned __int64,
-           const std::basic_string<Char>& piece) {
+void Place(Record* array, const unsigned __int64 index, const unsigned __int64, const Char* piece,
+           const size_t pieceLength) {
     Record& record = array[index];
     if (record.length <= 0 || record.pointer == nullptr)
         return;
     // Cut to the record's buffer and always terminated within it.
     const size_t length = static_cast<size_t>(record.length);
-    const size_t copied = piece.size() < length ? piece.size() : length;
-    std::memcpy(record.pointer, piece.data(), copied * sizeof(Char));
-    const size_t zeroAt = (length < piece.size() + 1 ? length : piece.size() + 1) - 1;
+    const size_t copied = pieceLength < length ? pieceLength : length;
+    std::memcpy(record.pointer, piece, copied * sizeof(Char));
+    const size_t zeroAt = (length < pieceLength + 1 ? length : pieceLength + 1) - 1;
     record.pointer[zeroAt] = Char();
 }
 
@@ -306,16 +298,22 @@ unsigned __int64 ReadStrArrayByPtr(FilePtr file, Item* array, const unsigned __i
                                    const unsigned __int64 capacity, const unsigned __int64 start,
                                    const unsigned __int64 count) {
     const unsigned __int64 n = Utils::Checking::CountDirect(TOVARIN_SITE(kReadByPtr), size, start, count);
-    std::basic_string<Char> text;
+    std::unique_ptr<Char[]> text;
+    size_t length;
     {
         Guard guard(file->Lock());
-        text = ReadRest<Char>(*file, file->Handle());
+        length = ReadRest<Char>(*file, file->Handle(), text);
     }
-    const auto pieces = Split(text, n);
-    const unsigned __int64 m = n < pieces.size() ? n : pieces.size();
+    // The lines are placed straight from the text: no copy of a line is made.
+    static const Char kLineEnd[2] = {Char('\r'), Char('\n')};
     unsigned __int64 i = 0;
-    for (; i < m && start + i < size; ++i)
-        Place(array, start + i, capacity, pieces[static_cast<size_t>(i)]);
+    Utils::String::VisitThruSubstring(text.get(), length, std::basic_string_view<Char>(kLineEnd, 2), n,
+                                      [&](const Char* piece, const size_t length) {
+                                          if (start + i < size) {
+                                              Place(array, start + i, capacity, piece, length);
+                                              ++i;
+                                          }
+                                      });
     return i;
 }
 

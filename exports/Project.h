@@ -29,7 +29,8 @@ void* OpenFile(const std::wstring& path, const unsigned long access, const unsig
                const unsigned long disposition);
 
 // Runs work(file, handle) under the object's lock, with the handle the object holds: a concurrent
-// close cannot slip between reading the handle and using it.
+// close cannot slip between reading the handle and using it. The work transfers with the object's
+// ReadHeld and WriteHeld, which do not enter the lock again.
 template <class Work>
 auto WithFile(void* const handle, Work&& work) -> decltype(work(std::declval<Utils::FileHdd&>(), handle)) {
     FilePtr file = PtrCFile(handle);

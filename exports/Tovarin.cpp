@@ -40,13 +40,13 @@ std::wstring WideW(const wchar_t* text) {
 
 template <class T> int WriteValue(void* const handle, const T& value) {
     return static_cast<int>(
-        WithFile(handle, [&](FileHdd& file, void* h) { return file._Write(h, &value, sizeof(T)); }));
+        WithFile(handle, [&](FileHdd& file, void* h) { return file.WriteHeld(h, &value, sizeof(T)); }));
 }
 
 // The count read is deliberately ignored; a short read throws in the file object.
 template <class T> T ReadValue(void* const handle) {
     T value = T();
-    WithFile(handle, [&](FileHdd& file, void* h) { file._Read(h, &value, sizeof(T)); });
+    WithFile(handle, [&](FileHdd& file, void* h) { file.ReadHeld(h, &value, sizeof(T)); });
     return value;
 }
 
@@ -57,7 +57,7 @@ __int64 SetPointer(void* const handle, const int method, const int distance) {
 template <class Char> int WriteText(void* const handle, const Char* text) {
     const size_t length = text == nullptr ? 0 : std::char_traits<Char>::length(text);
     return static_cast<int>(WithFile(
-        handle, [&](FileHdd& file, void* h) { return file._Write(h, text, length * sizeof(Char)); }));
+        handle, [&](FileHdd& file, void* h) { return file.WriteHeld(h, text, length * sizeof(Char)); }));
 }
 
 bool IsTrimmed(const unsigned c) {
@@ -78,7 +78,7 @@ template <class Char> Char* ReadText(void* const handle, const unsigned __int64 
         std::memset(stackBuffer, 0, sizeof(stackBuffer));
     }
     if (size != 0)
-        WithFile(handle, [&](FileHdd& file, void* h) { file._Read(h, buffer, size * sizeof(Char)); });
+        WithFile(handle, [&](FileHdd& file, void* h) { file.ReadHeld(h, buffer, size * sizeof(Char)); });
     unsigned __int64 length = size;
     while (length > 0 && IsTrimmed(static_cast<unsigned>(buffer[length - 1])))
         --length;
@@ -99,7 +99,7 @@ unsigned __int64 WriteArray(const Site& site, void* const handle, const T* array
     if (n > kAllBits / sizeof(T))
         Utils::Error::ThrowAt(site, "[f]", kTooLarge, false, 0);
     return WithFile(handle,
-                    [&](FileHdd& file, void* h) { return file._Write(h, array + start, n * sizeof(T)); }) /
+                    [&](FileHdd& file, void* h) { return file.WriteHeld(h, array + start, n * sizeof(T)); }) /
            sizeof(T);
 }
 
@@ -112,11 +112,10 @@ unsigned __int64 ReadArray(const Site& site, void* const handle, T* array, const
     if (n > kAllBits / sizeof(T))
         Utils::Error::ThrowAt(site, "[f]", kTooLarge, false, 0);
     return WithFile(handle,
-                    [&](FileHdd& file, void* h) { return file._Read(h, array + start, n * sizeof(T)); }) /
+                    [&](FileHdd& file, void* h) { return file.ReadHeld(h, array + start, n * sizeof(T)); }) /
            sizeof(T);
 }
 
-// The object closes its handle first; then the registry entry goes.
 // The registry entry goes before the system handle is closed: once closed, the system may hand
 // the same value to a file that another thread opens, and that file's entry must find the key free.
 void CloseByHandle(void* const handle) {
@@ -675,7 +674,7 @@ TOVARIN_EXPORT unsigned __int64 __cdecl FileReadVoid(void* const handle, void* b
     const Site site =
         TOVARIN_SITE("unsigned __int64 __cdecl FileReadVoid(void *const ,void *,const unsigned __int64)");
     return Call<unsigned __int64>(site, kAllBits, [&] {
-        return WithFile(handle, [&](FileHdd& file, void* h) { return file._Read(h, buffer, count); });
+        return WithFile(handle, [&](FileHdd& file, void* h) { return file.ReadHeld(h, buffer, count); });
     });
 }
 
@@ -684,6 +683,6 @@ TOVARIN_EXPORT unsigned __int64 __cdecl FileWriteVoid(void* const handle, const 
     const Site site = TOVARIN_SITE(
         "unsigned __int64 __cdecl FileWriteVoid(void *const ,const void *,const unsigned __int64)");
     return Call<unsigned __int64>(site, kAllBits, [&] {
-        return WithFile(handle, [&](FileHdd& file, void* h) { return file._Write(h, buffer, count); });
+        return WithFile(handle, [&](FileHdd& file, void* h) { return file.WriteHeld(h, buffer, count); });
     });
 }

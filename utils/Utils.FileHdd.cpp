@@ -34,9 +34,16 @@ const char kDelete[] = "bool __cdecl " FILEHDD "Delete(void)";
 const char kHardLink[] = "void __cdecl " FILEHDD "HardLink(const " TOVARIN_WSTRING " &)";
 #undef FILEHDD
 
-const unsigned long kMaxChunk = 0xFFFFFFFFul;
-
 typedef Sync::Lock<Sync::CriticalSection> Guard;
+
+// "X:\..." or "\\?\X:\...": a folder on a drive letter, absolute.
+bool IsDriveFolder(const std::wstring& folder) {
+    const size_t at = folder.rfind(L"\\\\?\\", 0) == 0 ? 4 : 0;
+    if (folder.size() < at + 3 || folder[at + 1] != L':' || folder[at + 2] != L'\\')
+        return false;
+    const wchar_t drive = folder[at];
+    return (drive >= L'A' && drive <= L'Z') || (drive >= L'a' && drive <= L'z');
+}
 
 } // namespace
 
@@ -46,9 +53,9 @@ SystemCalls& Sys() {
 }
 
 ChunkPlan PlanChunks(const unsigned __int64 size) {
-    ChunkPlan plan = {size / kMaxChunk + (size % kMaxChunk != 0 ? 1 : 0), 0};
+    ChunkPlan plan = {size / kLargestCall + (size % kLargestCall != 0 ? 1 : 0), 0};
     if (plan.count != 0)
-        plan.last = size % kMaxChunk == 0 ? kMaxChunk : static_cast<unsigned long>(size % kMaxChunk);
+        plan.last = size % kLargestCall == 0 ? kLargestCall : static_cast<unsigned long>(size % kLargestCall);
     return plan;
 }
 
@@ -126,6 +133,17 @@ void* FileHdd::_Create(const std::wstring& path, const unsigned long disposition
     Guard guard(lock_);
     String::Path::Has(path);
     const std::wstring folder = String::Path::TrimNameFileCW(path, 0);
+    // The folder step matters only when the file cannot be opened without it. In a folder on a
+    // drive the file is tried first: a file that opens proves its folder is there, so the folder
+    // step would have found it and changed nothing; an attempt that fails changes nothing either,
+    // and the steps then run in their order.
+    if (IsDriveFolder(folder)) {
+        ::SetLastError(0);
+        HANDLE handle = Sys().createFile(path.c_str(), access_, share_, nullptr, disposition, flags_,
+                                         static_cast<HANDLE>(templateFile_));
+        if (handle != INVALID_HANDLE_VALUE && handle != nullptr)
+            return handle;
+    }
     if (!CreateFolder(folder))
         TOVARIN_THROW(kCreate, false, L"Для файла не создан каталог:\r\n\"" + folder + L"\"");
     ::SetLastError(0);
@@ -203,53 +221,60 @@ std::wstring FileHdd::PathByHandle(void* const handle) {
     return path;
 }
 
+void FileHdd::CheckTransfer(bool write, void* const handle) const {
+    CheckHandle(write ? kWrite : kRead, handle);
+}
+
+void FileHdd::TransferFailed(bool write, void* const handle, const unsigned __int64 iteration,
+                             const unsigned long length, const unsigned long done) {
+    const unsigned long lastError = ::GetLastError();
+    __int64 pointer = -1;
+    try {
+        pointer = _SetPointer(handle, FILE_CURRENT, 0);
+    } catch (...) {
+    }
+    std::wostringstream text;
+    text << L"На итерации " << iteration
+         << (write ? L" не записаны данные в файл:" : L" не прочитаны данные из файла:") << std::endl
+         << L"\"" << path_ << L"\"" << std::endl
+         << L"Файловый указатель: " << pointer << std::endl
+         << L"Запрошено: " << length << std::endl
+         << (write ? L"Записано: " : L"Прочитано: ") << done;
+    ::SetLastError(lastError);
+    TOVARIN_THROW(write ? kWrite : kRead, true, text.str());
+}
+
 unsigned __int64 FileHdd::Transfer(bool write, void* const handle, void* buffer, const unsigned __int64 size) {
     const ChunkPlan plan = PlanChunks(size);
-    if (plan.count == 0) {
-        CheckHandle(write ? kWrite : kRead, handle);
+    CheckTransfer(write, handle);
+    if (plan.count == 0)
         return 0;
-    }
-    Guard guard(lock_);
-    CheckHandle(write ? kWrite : kRead, handle);
     ::SetLastError(0);
     unsigned char* position = static_cast<unsigned char*>(buffer);
     unsigned __int64 total = 0;
     for (unsigned __int64 i = 0; i < plan.count; ++i) {
-        const DWORD length = i + 1 == plan.count ? plan.last : kMaxChunk;
+        const DWORD length = i + 1 == plan.count ? plan.last : kLargestCall;
         DWORD done = 0;
         const BOOL ok = write ? Sys().writeFile(handle, position, length, &done, nullptr)
                               : Sys().readFile(handle, position, length, &done, nullptr);
-        if (!ok || done != length) {
-            // A short transfer is a failure too: everything asked for arrives, or this throws.
-            const unsigned long lastError = ::GetLastError();
-            __int64 pointer = -1;
-            try {
-                pointer = _SetPointer(handle, FILE_CURRENT, 0);
-            } catch (...) {
-            }
-            std::wostringstream text;
-            text << L"На итерации " << i << (write ? L" не записаны данные в файл:" : L" не прочитаны данные из файла:")
-                 << std::endl
-                 << L"\"" << path_ << L"\"" << std::endl
-                 << L"Файловый указатель: " << pointer << std::endl
-                 << L"Запрошено: " << length << std::endl
-                 << (write ? L"Записано: " : L"Прочитано: ") << done;
-            ::SetLastError(lastError);
-            TOVARIN_THROW(write ? kWrite : kRead, true, text.str());
-        }
+        // A short transfer is a failure too: everything asked for arrives, or this throws.
+        if (!ok || done != length)
+            TransferFailed(write, handle, i, length, done);
         total += done;
         if (i + 1 < plan.count)
-            position += kMaxChunk;
+            position += kLargestCall;
     }
     return total;
 }
 
 unsigned __int64 FileHdd::_Read(void* const handle, void* buffer, const unsigned __int64 size) {
-    return Transfer(false, handle, buffer, size);
+    Guard guard(lock_);
+    return ReadHeld(handle, buffer, size);
 }
 
 unsigned __int64 FileHdd::_Write(void* const handle, const void* buffer, const unsigned __int64 size) {
-    return Transfer(true, handle, const_cast<void*>(buffer), size);
+    Guard guard(lock_);
+    return WriteHeld(handle, buffer, size);
 }
 
 __int64 FileHdd::_SetPointer(void* const handle, const int origin, const __int64 distance) {

@@ -33,6 +33,9 @@ struct SystemCalls {
 };
 SystemCalls& Sys();
 
+// The largest count that one ReadFile or WriteFile call takes.
+const unsigned long kLargestCall = 0xFFFFFFFFul;
+
 // How a transfer of `size` bytes is cut into calls of at most 0xFFFFFFFF bytes each.
 struct ChunkPlan {
     unsigned __int64 count; // number of calls; 0 for size 0
@@ -73,6 +76,12 @@ public:
     // Positioned I/O at the handle's file pointer: everything asked for is transferred, or it throws.
     unsigned __int64 _Read(void* const handle, void* buffer, const unsigned __int64 size) override;
     unsigned __int64 _Write(void* const handle, const void* buffer, const unsigned __int64 size) override;
+    // _Read and _Write for a caller that holds Lock() already: the same checks, failure texts and
+    // system calls, without entering the lock again. A request that one system call takes is made
+    // from the caller's own frame: these sit on the path of every value and array export, and each
+    // frame held across the system call costs a mispredicted return on the way back.
+    unsigned __int64 ReadHeld(void* const handle, void* buffer, const unsigned __int64 size);
+    unsigned __int64 WriteHeld(void* const handle, const void* buffer, const unsigned __int64 size);
     __int64 _SetPointer(void* const handle, const int origin, const __int64 distance) override;
     unsigned __int64 _Size64(void* const handle);
     __int64 _SizeEx64(void* const handle);
@@ -109,7 +118,13 @@ public:
     static const unsigned long kDefaultShare = 3;           // FILE_SHARE_READ | FILE_SHARE_WRITE
 
 private:
+    // The chunked transfer, with the lock held.
     unsigned __int64 Transfer(bool write, void* const handle, void* buffer, const unsigned __int64 size);
+    // CheckHandle with the signature of _Write or _Read.
+    void CheckTransfer(bool write, void* const handle) const;
+    // Throws the text of a failed or short call `iteration` of a transfer.
+    [[noreturn]] void TransferFailed(bool write, void* const handle, const unsigned __int64 iteration,
+                                     const unsigned long length, const unsigned long done);
     void MakeEvent();
 
     void* handle_;
@@ -126,5 +141,30 @@ private:
     Sync::CriticalSection lock_;
     Sync::Event fileEvent_;
 };
+
+inline unsigned __int64 FileHdd::ReadHeld(void* const handle, void* buffer, const unsigned __int64 size) {
+    if (size == 0 || size > kLargestCall)
+        return Transfer(false, handle, buffer, size);
+    CheckTransfer(false, handle);
+    ::SetLastError(0);
+    const DWORD length = static_cast<DWORD>(size);
+    DWORD done = 0;
+    if (!Sys().readFile(handle, buffer, length, &done, nullptr) || done != length)
+        TransferFailed(false, handle, 0, length, done);
+    return done;
+}
+
+inline unsigned __int64 FileHdd::WriteHeld(void* const handle, const void* buffer,
+                                           const unsigned __int64 size) {
+    if (size == 0 || size > kLargestCall)
+        return Transfer(true, handle, const_cast<void*>(buffer), size);
+    CheckTransfer(true, handle);
+    ::SetLastError(0);
+    const DWORD length = static_cast<DWORD>(size);
+    DWORD done = 0;
+    if (!Sys().writeFile(handle, buffer, length, &done, nullptr) || done != length)
+        TransferFailed(true, handle, 0, length, done);
+    return done;
+}
 
 } // namespace Utils

@@ -40,21 +40,26 @@ bool Base::Less(Base*) {
 }
 
 void Base::Release() {
-    int count;
+    bool last;
     {
         SmartGuard guard(Sync::SmartLock());
-        count = --count_;
-        if (count == 1 && weakId_ != -1) {
-            // Only the registry's count is left: dropping it destroys the object here, inside the
-            // (re-entered) lock. `this` is gone afterwards.
-            WeakFactory::Instance().DropId(weakId_);
-            return;
-        }
-        if (count < 0)
-            TOVARIN_THROW(kRelease, false, L"Отрицательное значение счётчика указателей.");
+        last = ReleaseHeld();
     }
-    if (count == 0)
+    if (last)
         delete this;
+}
+
+bool Base::ReleaseHeld() {
+    const int count = --count_;
+    if (count == 1 && weakId_ != -1) {
+        // Only the registry's count is left: dropping it destroys the object here, inside the
+        // (re-entered) lock. `this` is gone afterwards.
+        WeakFactory::Instance().DropId(weakId_);
+        return false;
+    }
+    if (count < 0)
+        TOVARIN_THROW(kRelease, false, L"Отрицательное значение счётчика указателей.");
+    return count == 0;
 }
 
 int Base::Count() const {

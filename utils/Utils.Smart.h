@@ -43,6 +43,10 @@ private:
     template <class T> friend class Pointer;
     friend class WeakFactory;
 
+    // Release's work for a caller that holds the smart-pointer lock already: true when the count
+    // reached 0, and the caller destroys the object once it has left the lock.
+    bool ReleaseHeld();
+
     int count_;
     int weakId_;
 };
@@ -74,51 +78,57 @@ public:
     }
     virtual ~Pointer() { Reset(); }
 
-    // The new count is taken before the old object is released, so assigning a pointer its own
-    // object keeps it alive; the old object is released after the lock is left, deliberately.
+    // The new count is taken before the old object's count is given up, so assigning a pointer its
+    // own object keeps it alive. One hold of the lock covers both; an object whose last count
+    // went is destroyed after the lock is left, deliberately.
     Pointer& operator=(const Pointer& other) {
-        T* old;
+        Base* dead;
         {
             Sync::Lock<Sync::CriticalSection> guard(Sync::SmartLock());
-            old = object_;
+            T* old = object_;
             object_ = Acquire(other.object_);
+            dead = Drop(old);
         }
-        Drop(old);
+        delete dead;
         return *this;
     }
     Pointer& operator=(Pointer&& other) {
-        T* old;
+        Base* dead;
         {
             Sync::Lock<Sync::CriticalSection> guard(Sync::SmartLock());
             if (&other == this)
                 return *this;
-            old = object_;
+            T* old = object_;
             object_ = other.object_;
             other.object_ = nullptr;
+            dead = Drop(old);
         }
-        Drop(old);
+        delete dead;
         return *this;
     }
     Pointer& operator=(T* object) {
-        T* old;
+        Base* dead;
         {
             Sync::Lock<Sync::CriticalSection> guard(Sync::SmartLock());
-            old = object_;
+            T* old = object_;
             object_ = Acquire(object);
+            dead = Drop(old);
         }
-        Drop(old);
+        delete dead;
         return *this;
     }
 
-    // Empties the pointer under the lock and releases the object outside it.
+    // Empties the pointer and gives up its count under the lock; the object, when that was its
+    // last count, is destroyed outside it.
     void Reset() {
-        T* old;
+        Base* dead;
         {
             Sync::Lock<Sync::CriticalSection> guard(Sync::SmartLock());
-            old = object_;
+            T* old = object_;
             object_ = nullptr;
+            dead = Drop(old);
         }
-        Drop(old);
+        delete dead;
     }
 
     T* Get() const { return object_; }
@@ -129,15 +139,18 @@ public:
 private:
     template <class U> friend class Pointer;
 
-    // Both run with the smart-pointer lock held (Acquire) or just after leaving it (Drop).
+    // Both run with the smart-pointer lock held. Drop returns the object to destroy once the lock
+    // is left, or null.
     static T* Acquire(T* object) {
         if (object != nullptr)
             ++static_cast<Base*>(object)->count_;
         return object;
     }
-    static void Drop(T* object) {
-        if (object != nullptr)
-            static_cast<Base*>(object)->Release();
+    static Base* Drop(T* object) {
+        if (object == nullptr)
+            return nullptr;
+        Base* const base = static_cast<Base*>(object);
+        return base->ReleaseHeld() ? base : nullptr;
     }
 
     T* object_;

@@ -46,20 +46,9 @@ unsigned __int64 Extract(const char* signature, const std::basic_string<Char>& t
     if (separator.empty())
         TOVARIN_THROW(signature, false, L"Разделитель не установлен.");
     pieces.clear();
-    if (text.empty())
-        return kAll;
-    size_t position = 0;
-    while (position < text.length()) {
-        if (static_cast<unsigned __int64>(pieces.size()) >= maxPieces)
-            break;
-        const size_t found = text.find(separator, position);
-        if (found == std::basic_string<Char>::npos)
-            break;
-        pieces.push_back(text.substr(position, found - position));
-        position = found + separator.length();
-    }
-    // Only a piece that its separator ends is taken; the tail starts at the returned position.
-    return position == 0 ? kAll : static_cast<unsigned __int64>(position);
+    return VisitThruSubstring(
+        text.data(), text.length(), std::basic_string_view<Char>(separator), maxPieces,
+        [&pieces](const Char* first, const size_t length) { pieces.emplace_back(first, length); });
 }
 
 } // namespace

@@ -2,7 +2,9 @@
 // Small text algorithms of the file layer. Every range goes through Utils::Checking, so the
 // functions share its defaults (all bits set: to the end), its clipping and its failure texts.
 // Failures are thrown as composed wide texts (std::wstring); a failed check changes nothing.
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Utils {
@@ -38,6 +40,35 @@ template <class I>
 unsigned __int64 ExtractThruSubstringW(const std::wstring& text, const std::wstring& separator, const I,
                                        std::vector<std::wstring>& pieces, const unsigned __int64 maxPieces) {
     return detail::ExtractThruSubstringW(text, separator, pieces, maxPieces);
+}
+
+// The splitting rule of ExtractThruSubstringW without building the pieces: calls
+// visit(first, length) for each piece of the `length` characters at `text` that `separator` ends,
+// at most `maxPieces`, in order, and returns what ExtractThruSubstringW returns. Nothing is copied
+// and nothing is allocated. An empty separator ends no piece.
+template <class Char, class Visit>
+unsigned __int64 VisitThruSubstring(const Char* text, const size_t length,
+                                    const std::basic_string_view<Char> separator,
+                                    const unsigned __int64 maxPieces, Visit&& visit) {
+    // A plain scan: a search call per piece would cost more than the short lines it finds.
+    const size_t width = separator.length();
+    if (width == 0)
+        return static_cast<unsigned __int64>(-1);
+    const Char first = separator[0];
+    size_t position = 0;
+    unsigned __int64 pieces = 0;
+    for (size_t at = 0; position < length && pieces < maxPieces; at = position) {
+        while (at + width <= length &&
+               !(text[at] == first && std::equal(separator.begin() + 1, separator.end(), text + at + 1)))
+            ++at;
+        if (at + width > length)
+            break;
+        visit(text + position, at - position);
+        ++pieces;
+        position = at + width;
+    }
+    // Only a piece that its separator ends is taken; the tail starts at the returned position.
+    return position == 0 ? static_cast<unsigned __int64>(-1) : static_cast<unsigned __int64>(position);
 }
 
 // The 8-bit twin of ExtractThruSubstringW.

@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 using TestSupport::TempDir;
 using Utils::FileHdd;
 
@@ -155,6 +158,56 @@ TEST(FileHddCreate, MakesMissingFolders) {
     EXPECT_TRUE(TestSupport::FileExists(path));
 }
 
+// The folder is made even when the open then fails, as the steps go in their order.
+TEST(FileHddCreate, MissingFolderIsMadeBeforeAFailedOpen) {
+    TempDir dir;
+    const std::wstring path = dir / L"made\\missing.bin";
+    FileHdd file;
+    file.Init(path, nullptr, true);
+    ExpectFailure([&] { file.Create(OPEN_EXISTING); },
+                  {L"Не открыт файл:\r\n\"" + path + L"\"\r\nВыполняемые действия с файлом: OPEN_EXISTING"});
+    const DWORD attributes = ::GetFileAttributesW((dir / L"made").c_str());
+    ASSERT_NE(attributes, INVALID_FILE_ATTRIBUTES);
+    EXPECT_NE(attributes & FILE_ATTRIBUTE_DIRECTORY, 0u);
+}
+
+// A name without a folder fails the folder step before anything is opened or created.
+TEST(FileHddCreate, NameWithoutAFolderIsRefusedBeforeTheOpen) {
+    const std::wstring path = L"tovarin-relative-name.bin";
+    FileHdd file;
+    file.Init(path, nullptr, true);
+    ExpectFailure([&] { file.Create(OPEN_ALWAYS); }, {L"Для файла не создан каталог:\r\n\"" + path + L"\""});
+    EXPECT_EQ(file.Handle(), nullptr);
+    EXPECT_FALSE(TestSupport::FileExists(path));
+}
+
+// In a folder on a drive the file is tried first; the folder step follows only a failed attempt.
+int g_opens = 0;
+
+TEST(FileHddCreate, OnADriveTheFileIsTriedBeforeTheFolderStep) {
+    TempDir dir;
+    Utils::SystemCalls saved = Utils::Sys();
+    Utils::Sys().createFile = [](LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                                 DWORD disposition, DWORD flags, HANDLE model) -> HANDLE {
+        ++g_opens;
+        return ::CreateFileW(name, access, share, security, disposition, flags, model);
+    };
+    FileHdd there;
+    there.Init(dir / L"there.bin", nullptr, true);
+    g_opens = 0;
+    ASSERT_NE(there.Create(CREATE_ALWAYS), nullptr);
+    EXPECT_EQ(g_opens, 1);
+    FileHdd nested;
+    nested.Init(dir / L"x\\y\\nested.bin", nullptr, true);
+    g_opens = 0;
+    ASSERT_NE(nested.Create(CREATE_NEW), nullptr);
+    EXPECT_EQ(g_opens, 2); // refused for the missing folder, then made after it
+    Utils::Sys() = saved;
+    there.Close();
+    nested.Close();
+    EXPECT_TRUE(TestSupport::FileExists(dir / L"x\\y\\nested.bin"));
+}
+
 TEST(FileHddCreate, DispositionNames) {
     EXPECT_STREQ(Utils::DispositionName(0), L"EMPTY");
     EXPECT_STREQ(Utils::DispositionName(1), L"CREATE_NEW");
@@ -243,6 +296,96 @@ TEST_F(OpenFile, FaultsOfTheSystemAreReportedAndEarlierBytesStay) {
     Utils::Sys() = saved;
     file.Close();
     EXPECT_EQ(TestSupport::ReadFileBytes(dir / L"io.bin"), "keep");
+}
+
+// ReadHeld and WriteHeld, for callers that hold the object's lock: the same transfers, checks and
+// texts as _Read and _Write.
+TEST_F(OpenFile, HeldTransfersWorkLikeTheLockedOnes) {
+    Utils::Sync::Lock<Utils::Sync::CriticalSection> guard(file.Lock());
+    EXPECT_EQ(file.WriteHeld(handle, "0123456789", 10), 10u);
+    EXPECT_EQ(file.WriteHeld(handle, "x", 0), 0u);
+    EXPECT_EQ(file._SetPointer(handle, FILE_CURRENT, 0), 10);
+    file._SetPointer(handle, FILE_BEGIN, 6);
+    char buffer[10] = {};
+    EXPECT_EQ(file.ReadHeld(handle, buffer, 4), 4u);
+    EXPECT_EQ(std::string(buffer, 4), "6789");
+    EXPECT_EQ(file.ReadHeld(handle, buffer, 0), 0u);
+    file._SetPointer(handle, FILE_BEGIN, 6);
+    ExpectFailure(
+        [&] { file.ReadHeld(handle, buffer, 10); },
+        {L"unsigned __int64 __cdecl Utils::FileHdd::_Read(void *const ,void *,const unsigned __int64)",
+         L"На итерации 0 не прочитаны данные из файла:\n\"" + file.Path() +
+             L"\"\nФайловый указатель: 10\nЗапрошено: 10\nПрочитано: 4"});
+    const std::wstring tail =
+        L"\r\n\r\nМетод не может быть выполнен.\r\nОтсутствует системный дескриптор файла:\r\n\"" +
+        file.Path() + L"\"\r\nВероятно, файл не открыт.";
+    ExpectFailure(
+        [&] { file.ReadHeld(nullptr, buffer, 1); },
+        {L"unsigned __int64 __cdecl Utils::FileHdd::_Read(void *const ,void *,const unsigned __int64)" +
+         tail});
+    ExpectFailure([&] { file.WriteHeld(nullptr, buffer, 0); },
+                  {L"unsigned __int64 __cdecl Utils::FileHdd::_Write(void *const ,const void *,const "
+                   L"unsigned __int64)" +
+                   tail});
+}
+
+TEST_F(OpenFile, HeldWriteFaultsAreReportedWithTheLastError) {
+    Utils::SystemCalls saved = Utils::Sys();
+    Utils::Sys().writeFile = [](HANDLE, LPCVOID, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
+        *done = length - 1; // short, and the call itself succeeds
+        ::SetLastError(ERROR_DISK_FULL);
+        return TRUE;
+    };
+    Utils::Sync::Lock<Utils::Sync::CriticalSection> guard(file.Lock());
+    ExpectFailure(
+        [&] { file.WriteHeld(handle, "more", 4); },
+        {L"unsigned __int64 __cdecl Utils::FileHdd::_Write(void *const ,const void *,const unsigned __int64)",
+         L"На итерации 0 не записаны данные в файл:", L"Запрошено: 4\nЗаписано: 3", L"\nLast Error: 1.\n"});
+    Utils::Sys() = saved;
+}
+
+// A request beyond one system call's reach goes out in chunks of 0xFFFFFFFF bytes from consecutive
+// addresses. The system call is replaced and touches no memory, so the buffer is only reserved.
+std::vector<std::pair<const unsigned char*, DWORD>> g_calls;
+
+TEST_F(OpenFile, RequestsBeyondOneCallGoOutInChunks) {
+    const unsigned __int64 size = 0x200000001ull; // two full calls and 3 bytes
+    unsigned char* const buffer = static_cast<unsigned char*>(
+        ::VirtualAlloc(nullptr, static_cast<SIZE_T>(size), MEM_RESERVE, PAGE_NOACCESS));
+    ASSERT_NE(buffer, nullptr);
+    Utils::SystemCalls saved = Utils::Sys();
+    Utils::Sys().writeFile = [](HANDLE, LPCVOID from, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
+        g_calls.emplace_back(static_cast<const unsigned char*>(from), length);
+        *done = length;
+        return TRUE;
+    };
+    Utils::Sys().readFile = [](HANDLE, LPVOID into, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
+        g_calls.emplace_back(static_cast<const unsigned char*>(into), length);
+        *done = length;
+        return TRUE;
+    };
+    {
+        Utils::Sync::Lock<Utils::Sync::CriticalSection> guard(file.Lock());
+        g_calls.clear();
+        EXPECT_EQ(file.WriteHeld(handle, buffer, size), size);
+        ASSERT_EQ(g_calls.size(), 3u);
+        EXPECT_EQ(g_calls[0], std::make_pair(static_cast<const unsigned char*>(buffer), DWORD(0xFFFFFFFF)));
+        EXPECT_EQ(g_calls[1], std::make_pair(static_cast<const unsigned char*>(buffer + 0xFFFFFFFFull),
+                                             DWORD(0xFFFFFFFF)));
+        EXPECT_EQ(g_calls[2],
+                  std::make_pair(static_cast<const unsigned char*>(buffer + 0x1FFFFFFFEull), DWORD(3)));
+        g_calls.clear();
+        EXPECT_EQ(file.ReadHeld(handle, buffer, 0xFFFFFFFFull), 0xFFFFFFFFull); // exactly one call's reach
+        ASSERT_EQ(g_calls.size(), 1u);
+        EXPECT_EQ(g_calls[0], std::make_pair(static_cast<const unsigned char*>(buffer), DWORD(0xFFFFFFFF)));
+    }
+    g_calls.clear();
+    EXPECT_EQ(file._Read(handle, buffer, 0x100000000ull), 0x100000000ull);
+    ASSERT_EQ(g_calls.size(), 2u);
+    EXPECT_EQ(g_calls[1],
+              std::make_pair(static_cast<const unsigned char*>(buffer + 0xFFFFFFFFull), DWORD(1)));
+    Utils::Sys() = saved;
+    ::VirtualFree(buffer, 0, MEM_RELEASE);
 }
 
 TEST_F(OpenFile, CloseOfABadHandleThrowsAndNamesIt) {

@@ -166,6 +166,57 @@ TEST(SmartPointer, FindsTheBaseBehindAVirtualBaseOffset) {
     EXPECT_EQ(destroyed, 1);
 }
 
+// While it is destroyed, asks another thread to take the smart-pointer lock: that thread gets it
+// only when the destruction runs outside the lock. The other thread's future is kept by the test,
+// so that a failure ends in a time-out instead of a deadlock.
+class LockProbe : public virtual Base {
+public:
+    LockProbe(bool* outside, std::future<void>* other) : outside_(outside), other_(other) {}
+    ~LockProbe() override {
+        *other_ = std::async(std::launch::async, [] {
+            Utils::Sync::Lock<Utils::Sync::CriticalSection> guard(Utils::Sync::SmartLock());
+        });
+        *outside_ = other_->wait_for(std::chrono::seconds(10)) == std::future_status::ready;
+    }
+
+private:
+    bool* outside_;
+    std::future<void>* other_;
+};
+
+TEST(SmartPointer, DestroysTheLastObjectOutsideTheLockOnEveryRelease) {
+    const char* const paths[] = {"reset", "destructor", "copy assignment", "move assignment",
+                                 "raw assignment"};
+    for (int path = 0; path < 5; ++path) {
+        SCOPED_TRACE(paths[path]);
+        bool outside = false;
+        std::future<void> other;
+        {
+            Pointer<LockProbe> probe(new LockProbe(&outside, &other));
+            Pointer<LockProbe> empty;
+            switch (path) {
+            case 0:
+                probe.Reset();
+                break;
+            case 1:
+                break; // the end of the block
+            case 2:
+                probe = empty;
+                break;
+            case 3:
+                probe = std::move(empty);
+                break;
+            default:
+                probe = nullptr;
+                break;
+            }
+        }
+        EXPECT_TRUE(outside);
+        if (other.valid())
+            other.wait();
+    }
+}
+
 // A destructor that releases further objects re-enters the lock on the same thread.
 class Node : public virtual Base {
 public:

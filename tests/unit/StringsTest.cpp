@@ -224,6 +224,25 @@ TEST_P(ExtractThruSubstring, SplitsIntoSeparatorEndedPieces) {
     EXPECT_EQ(piecesA, expectedA);
 }
 
+// The visitor walks the same pieces in place: each one is a range of the text itself.
+TEST_P(ExtractThruSubstring, VisitsTheSamePiecesInPlace) {
+    const SplitCase& c = GetParam();
+    const std::wstring text = Wide(c.text);
+    const std::wstring separator = Wide(c.separator);
+    std::vector<std::wstring> visited;
+    const unsigned __int64 position = String::VisitThruSubstring(
+        text.data(), text.size(), std::wstring_view(separator), c.maxPieces,
+        [&](const wchar_t* first, const size_t length) {
+            EXPECT_TRUE(first >= text.data() && first + length <= text.data() + text.size());
+            visited.emplace_back(first, length);
+        });
+    EXPECT_EQ(position, c.position);
+    std::vector<std::wstring> expected;
+    for (const char* piece : c.pieces)
+        expected.push_back(Wide(piece));
+    EXPECT_EQ(visited, expected);
+}
+
 const SplitCase kSplitCases[] = {
     {"TailIsNoPiece", "a;b;;c", ";", kAll, {"a", "b", ""}, 5},
     {"MaxPiecesStops", "a;b;;c", ";", 1, {"a"}, 2},
