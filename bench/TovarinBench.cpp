@@ -270,7 +270,9 @@ void Print(const Sizes& sizes) {
     std::printf(
         "\nTovarin against raw Win32 in one run. Times: medians of %d runs per side after a warm-up run;\n"
         "ratio: median of the %d pairs' ratios (Tovarin time / raw time, the two runs of a pair back to "
-        "back);\npairs: the smallest and largest of those ratios\n",
+        "back);\npairs: the smallest and largest of those ratios. A row named \"a | b\" has a and b in the\n"
+        "time columns, given per call of all threads together; its ratio is a / b, but for \"2 threads |\n"
+        "1 thread\" the throughput gain b / a\n",
         sizes.repetitions, sizes.repetitions);
     std::printf("%-46s %-10s %12s %12s %7s %11s %8s  %-22s %s\n", "case", "per", "Tovarin", "raw", "ratio",
                 "pairs", "target", "result", "allocations/call");
@@ -662,11 +664,11 @@ void ThreadCases(const Files& files, const Sizes& sizes) {
     const double t1 = Median(configurations[0].times), t2 = Median(configurations[1].times);
     const double r1 = Median(configurations[2].times), r2 = Median(configurations[3].times);
     // The times are per call of one thread, aggregated: the wall time over all calls.
-    g_rows.push_back({"6. 2 threads/2 files FileWriteInt vs 1 thread", "call", t2 / (2.0 * n), t1 / n,
+    g_rows.push_back({"6. FileWriteInt, 2 threads | 1 thread", "call", t2 / (2.0 * n), t1 / n,
                       SpreadOf(scaling), 1.6, true, -1.0, false});
-    g_rows.push_back({"6. 2 threads: FileWriteInt / WriteFile", "call", t2 / (2.0 * n), r2 / (2.0 * n),
+    g_rows.push_back({"6. 2 threads, FileWriteInt | WriteFile", "call", t2 / (2.0 * n), r2 / (2.0 * n),
                       SpreadOf(twoThreads), 0.0, false, -1.0, false});
-    g_rows.push_back({"6. (machine) 2 threads raw WriteFile vs 1 thread", "call", r2 / (2.0 * n), r1 / n,
+    g_rows.push_back({"6. machine: WriteFile, 2 threads | 1 thread", "call", r2 / (2.0 * n), r1 / n,
                       SpreadOf(rawScaling), 0.0, true, -1.0, false});
     FileCloseHandle(tovarin[0]);
     FileCloseHandle(tovarin[1]);
