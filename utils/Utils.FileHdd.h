@@ -120,7 +120,8 @@ public:
 private:
     // The chunked transfer, with the lock held.
     unsigned __int64 Transfer(bool write, void* const handle, void* buffer, const unsigned __int64 size);
-    // CheckHandle with the signature of _Write or _Read.
+    // CheckHandle with the signature of _Write or _Read. The held transfers call it for a null
+    // handle only, the one it refuses: the call costs more than the test on the way of every export.
     void CheckTransfer(bool write, void* const handle) const;
     // Throws the text of a failed or short call `iteration` of a transfer.
     [[noreturn]] void TransferFailed(bool write, void* const handle, const unsigned __int64 iteration,
@@ -145,7 +146,8 @@ private:
 inline unsigned __int64 FileHdd::ReadHeld(void* const handle, void* buffer, const unsigned __int64 size) {
     if (size == 0 || size > kLargestCall)
         return Transfer(false, handle, buffer, size);
-    CheckTransfer(false, handle);
+    if (handle == nullptr)
+        CheckTransfer(false, handle);
     ::SetLastError(0);
     const DWORD length = static_cast<DWORD>(size);
     DWORD done = 0;
@@ -158,7 +160,8 @@ inline unsigned __int64 FileHdd::WriteHeld(void* const handle, const void* buffe
                                            const unsigned __int64 size) {
     if (size == 0 || size > kLargestCall)
         return Transfer(true, handle, const_cast<void*>(buffer), size);
-    CheckTransfer(true, handle);
+    if (handle == nullptr)
+        CheckTransfer(true, handle);
     ::SetLastError(0);
     const DWORD length = static_cast<DWORD>(size);
     DWORD done = 0;

@@ -2,7 +2,6 @@
 // Small text algorithms of the file layer. Every range goes through Utils::Checking, so the
 // functions share its defaults (all bits set: to the end), its clipping and its failure texts.
 // Failures are thrown as composed wide texts (std::wstring); a failed check changes nothing.
-#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,11 +54,18 @@ unsigned __int64 VisitThruSubstring(const Char* text, const size_t length,
     if (width == 0)
         return static_cast<unsigned __int64>(-1);
     const Char first = separator[0];
+    auto endsHere = [&](const size_t at) {
+        if (text[at] != first)
+            return false;
+        for (size_t i = 1; i < width; ++i)
+            if (text[at + i] != separator[i])
+                return false;
+        return true;
+    };
     size_t position = 0;
     unsigned __int64 pieces = 0;
     for (size_t at = 0; position < length && pieces < maxPieces; at = position) {
-        while (at + width <= length &&
-               !(text[at] == first && std::equal(separator.begin() + 1, separator.end(), text + at + 1)))
+        while (at + width <= length && !endsHere(at))
             ++at;
         if (at + width > length)
             break;
