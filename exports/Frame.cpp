@@ -10,7 +10,8 @@ const std::wstring& ModuleName() noexcept {
     static const std::wstring name = []() -> std::wstring {
         try {
             HMODULE self = nullptr;
-            if (!::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+            if (!::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                                          GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                                       reinterpret_cast<LPCWSTR>(&ModuleName), &self))
                 return L"Tovarin.dll";
             std::wstring path(MAX_PATH, L'\0');
@@ -51,7 +52,8 @@ void ReportWide(const Utils::Error::Site& site, const std::wstring& failure) noe
 
 void ReportUnknown(const Utils::Error::Site& site) noexcept {
     try {
-        ShowNoticeW(ModuleName(), ComposeFailureTextW(Utils::Error::WhereW(site), L"Unknown exception!", true));
+        ShowNoticeW(ModuleName(),
+                    ComposeFailureTextW(Utils::Error::WhereW(site), L"Unknown exception!", true));
     } catch (...) {
     }
 }

@@ -30,8 +30,7 @@ Result Call(const Utils::Error::Site& site, const Result neutral, Work&& work) n
     return neutral;
 }
 
-template <class Work>
-void Call(const Utils::Error::Site& site, Work&& work) noexcept {
+template <class Work> void Call(const Utils::Error::Site& site, Work&& work) noexcept {
     try {
         work();
     } catch (const std::string& failure) {

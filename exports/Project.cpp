@@ -16,12 +16,14 @@ namespace Project {
 
 namespace {
 
-const char kPtrCFile[] = "class Utils::Smart::Pointer<class Utils::FileHdd> __cdecl Project::PtrCFile(void *const )";
+const char kPtrCFile[] =
+    "class Utils::Smart::Pointer<class Utils::FileHdd> __cdecl Project::PtrCFile(void *const )";
 const char kPtrCFileDelete[] = "void __cdecl Project::PtrCFileDelete(void *const )";
 const char kCompleted[] = "unsigned __int64 __cdecl Project::CompletedOperation(const " TOVARIN_WSTRING
                           " &,const unsigned short,const int)";
 
-const wchar_t kNotInitialised[] = L"Массив классов не инициализирован.\r\nСначала создайте или откройте файл.";
+const wchar_t kNotInitialised[] =
+    L"Массив классов не инициализирован.\r\nСначала создайте или откройте файл.";
 const wchar_t kUnknownHandle[] = L"Неверный системный дескриптор файла.";
 
 typedef std::map<unsigned __int64, FilePtr> Registry;
@@ -38,7 +40,9 @@ Utils::Sync::CriticalSection& RegistryLock() {
     return *lock.Get();
 }
 
-unsigned __int64 Key(void* const handle) { return reinterpret_cast<unsigned __int64>(handle); }
+unsigned __int64 Key(void* const handle) {
+    return reinterpret_cast<unsigned __int64>(handle);
+}
 
 } // namespace
 
@@ -52,9 +56,10 @@ FilePtr PtrCFile(void* const handle) {
         TOVARIN_THROW(kPtrCFile, false, kUnknownHandle);
     if (!entry->second) {
         files.erase(entry);
-        TOVARIN_THROW(kPtrCFile, false,
-                      L"Несуществующий или устаревший или закрытый системный дескриптор файла из-за ошибки функции "
-                      L"WinAPI.");
+        TOVARIN_THROW(
+            kPtrCFile, false,
+            L"Несуществующий или устаревший или закрытый системный дескриптор файла из-за ошибки функции "
+            L"WinAPI.");
     }
     return entry->second;
 }
@@ -145,30 +150,39 @@ wchar_t* LoadStringResult(const wchar_t* text, const unsigned __int64 length) {
     return Load(Results().wide, text, length);
 }
 
-char* LoadStringResult(const char* text, const unsigned __int64 length) { return Load(Results().narrow, text, length); }
+char* LoadStringResult(const char* text, const unsigned __int64 length) {
+    return Load(Results().narrow, text, length);
+}
 
 // ---- String arrays ----------------------------------------------------------------------------
 
 namespace {
 
-const char kWriteByHandleW[] = "unsigned __int64 __cdecl Project::WriteStrArrayByHandleW(void *const ,const wchar_t "
-                               "**,const unsigned __int64,const unsigned __int64,unsigned __int64)";
-const char kWriteByHandleA[] = "unsigned __int64 __cdecl Project::WriteStrArrayByHandleA(void *const ,const char "
-                               "**,const unsigned __int64,const unsigned __int64,unsigned __int64)";
-const char kWriteByHandleMW[] = "unsigned __int64 __cdecl Project::WriteStrArrayByHandle<struct MT::_MQLSTRW>(void "
-                                "*const ,struct MT::_MQLSTRW *const ,const unsigned __int64,const unsigned "
-                                "__int64,const unsigned __int64)";
-const char kWriteByHandleMA[] = "unsigned __int64 __cdecl Project::WriteStrArrayByHandle<struct MT::_MQLSTRA>(void "
-                                "*const ,struct MT::_MQLSTRA *const ,const unsigned __int64,const unsigned "
-                                "__int64,const unsigned __int64)";
-const char kWriteByPtr[] = "unsigned __int64 __cdecl Project::WriteStrArrayByPtr(class "
-                           "Utils::Smart::Pointer<class Utils::FileHdd>,const void *,const unsigned __int64,const "
-                           "unsigned __int64,const unsigned __int64)";
-const char kReadByHandle[] = "unsigned __int64 __cdecl Project::ReadStrArrayByHandle(void *const ,void *,const "
-                             "unsigned __int64,const unsigned __int64,const unsigned __int64,const unsigned __int64)";
-const char kReadByPtr[] = "unsigned __int64 __cdecl Project::ReadStrArrayByPtr(class Utils::Smart::Pointer<class "
-                          "Utils::FileHdd>,void *,const unsigned __int64,const unsigned __int64,const unsigned "
-                          "__int64,const unsigned __int64)";
+const char kWriteByHandleW[] =
+    "unsigned __int64 __cdecl Project::WriteStrArrayByHandleW(void *const ,const wchar_t "
+    "**,const unsigned __int64,const unsigned __int64,unsigned __int64)";
+const char kWriteByHandleA[] =
+    "unsigned __int64 __cdecl Project::WriteStrArrayByHandleA(void *const ,const char "
+    "**,const unsigned __int64,const unsigned __int64,unsigned __int64)";
+const char kWriteByHandleMW[] =
+    "unsigned __int64 __cdecl Project::WriteStrArrayByHandle<struct MT::_MQLSTRW>(void "
+    "*const ,struct MT::_MQLSTRW *const ,const unsigned __int64,const unsigned "
+    "__int64,const unsigned __int64)";
+const char kWriteByHandleMA[] =
+    "unsigned __int64 __cdecl Project::WriteStrArrayByHandle<struct MT::_MQLSTRA>(void "
+    "*const ,struct MT::_MQLSTRA *const ,const unsigned __int64,const unsigned "
+    "__int64,const unsigned __int64)";
+const char kWriteByPtr[] =
+    "unsigned __int64 __cdecl Project::WriteStrArrayByPtr(class "
+    "Utils::Smart::Pointer<class Utils::FileHdd>,const void *,const unsigned __int64,const "
+    "unsigned __int64,const unsigned __int64)";
+const char kReadByHandle[] =
+    "unsigned __int64 __cdecl Project::ReadStrArrayByHandle(void *const ,void *,const "
+    "unsigned __int64,const unsigned __int64,const unsigned __int64,const unsigned __int64)";
+const char kReadByPtr[] =
+    "unsigned __int64 __cdecl Project::ReadStrArrayByPtr(class Utils::Smart::Pointer<class "
+    "Utils::FileHdd>,void *,const unsigned __int64,const unsigned __int64,const unsigned "
+    "__int64,const unsigned __int64)";
 
 const wchar_t kNoArray[] = L"Отсутствует массив строк: указатель на массив равен нулю.";
 
@@ -183,11 +197,14 @@ FilePtr Hand(const FilePtr& file) {
     return file;
 }
 
-size_t Length(const char* text) { return text == nullptr ? 0 : std::strlen(text); }
-size_t Length(const wchar_t* text) { return text == nullptr ? 0 : std::wcslen(text); }
+size_t Length(const char* text) {
+    return text == nullptr ? 0 : std::strlen(text);
+}
+size_t Length(const wchar_t* text) {
+    return text == nullptr ? 0 : std::wcslen(text);
+}
 
-template <class Char>
-bool IsTrimmed(const Char c) {
+template <class Char> bool IsTrimmed(const Char c) {
     return c == 0 || c == Char(' ') || c == Char('\n') || c == Char('\r') || c == Char('\t');
 }
 
@@ -208,8 +225,7 @@ void WriteItem(Utils::FileHdd& file, void* const handle, const char* text) {
 
 // A host record: its buffer of `length` characters, seen through a string buffer, without the
 // trailing blanks and zeros.
-template <class Record>
-void WriteItem(Utils::FileHdd& file, void* const handle, const Record& record) {
+template <class Record> void WriteItem(Utils::FileHdd& file, void* const handle, const Record& record) {
     typedef typename std::remove_pointer<decltype(record.pointer)>::type Char;
     Utils::_STRINGBUF<Char> view;
     view.Init(record.pointer, static_cast<unsigned __int64>(record.length < 0 ? 0 : record.length), 0);
@@ -234,9 +250,11 @@ unsigned __int64 WriteStrArrayByPtr(FilePtr file, const Item* array, const unsig
 
 template <class Item>
 unsigned __int64 WriteByHandle(const char* signature, void* const handle, const Item* array,
-                               const unsigned __int64 size, const unsigned __int64 start, const unsigned __int64 count) {
+                               const unsigned __int64 size, const unsigned __int64 start,
+                               const unsigned __int64 count) {
     const FilePtr file = PtrCFile(handle);
-    const unsigned __int64 n = Utils::Checking::CountDirect(Utils::Error::Site{signature, __FILE__, __LINE__}, size, start, count);
+    const unsigned __int64 n =
+        Utils::Checking::CountDirect(Utils::Error::Site{signature, __FILE__, __LINE__}, size, start, count);
     if (array == nullptr)
         TOVARIN_THROW(signature, false, kNoArray);
     return WriteStrArrayByPtr(Hand(file), array, size, start, n);
@@ -251,7 +269,8 @@ unsigned __int64 WriteByHandle(const char* signature, void* const handle, const 
 template <class Char>
 size_t ReadRest(Utils::FileHdd& file, void* const handle, std::unique_ptr<Char[]>& text) {
     const unsigned __int64 total = file._Size64(handle);
-    const unsigned __int64 position = static_cast<unsigned __int64>(file._SetPointer(handle, FILE_CURRENT, 0));
+    const unsigned __int64 position =
+        static_cast<unsigned __int64>(file._SetPointer(handle, FILE_CURRENT, 0));
     const unsigned __int64 k = position < total ? (total - position) / sizeof(Char) : 0;
     if (k != 0) {
         text.reset(new Char[static_cast<size_t>(k)]());
@@ -330,8 +349,9 @@ unsigned __int64 ReadByHandle(void* const handle, Item* array, const unsigned __
 
 } // namespace
 
-unsigned __int64 WriteStrArrayByHandleW(void* const handle, const wchar_t** array, const unsigned __int64 size,
-                                        const unsigned __int64 start, const unsigned __int64 count) {
+unsigned __int64 WriteStrArrayByHandleW(void* const handle, const wchar_t** array,
+                                        const unsigned __int64 size, const unsigned __int64 start,
+                                        const unsigned __int64 count) {
     return WriteByHandle(kWriteByHandleW, handle, array, size, start, count);
 }
 
@@ -341,23 +361,23 @@ unsigned __int64 WriteStrArrayByHandleA(void* const handle, const char** array, 
 }
 
 template <>
-unsigned __int64 WriteStrArrayByHandle<MT::_MQLSTRW>(void* const handle, MT::_MQLSTRW* array,
-                                                     const unsigned __int64 size, const unsigned __int64 start,
-                                                     const unsigned __int64 count) {
+unsigned __int64
+WriteStrArrayByHandle<MT::_MQLSTRW>(void* const handle, MT::_MQLSTRW* array, const unsigned __int64 size,
+                                    const unsigned __int64 start, const unsigned __int64 count) {
     return WriteByHandle(kWriteByHandleMW, handle, array, size, start, count);
 }
 
 template <>
-unsigned __int64 WriteStrArrayByHandle<MT::_MQLSTRA>(void* const handle, MT::_MQLSTRA* array,
-                                                     const unsigned __int64 size, const unsigned __int64 start,
-                                                     const unsigned __int64 count) {
+unsigned __int64
+WriteStrArrayByHandle<MT::_MQLSTRA>(void* const handle, MT::_MQLSTRA* array, const unsigned __int64 size,
+                                    const unsigned __int64 start, const unsigned __int64 count) {
     return WriteByHandle(kWriteByHandleMA, handle, array, size, start, count);
 }
 
 template <>
-unsigned __int64 ReadStrArrayByHandle<wchar_t>(void* const handle, wchar_t** array, const unsigned __int64 size,
-                                               const unsigned __int64 capacity, const unsigned __int64 start,
-                                               const unsigned __int64 count) {
+unsigned __int64 ReadStrArrayByHandle<wchar_t>(void* const handle, wchar_t** array,
+                                               const unsigned __int64 size, const unsigned __int64 capacity,
+                                               const unsigned __int64 start, const unsigned __int64 count) {
     return ReadByHandle<wchar_t>(handle, array, size, capacity, start, count);
 }
 

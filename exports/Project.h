@@ -44,8 +44,9 @@ wchar_t* LoadStringResult(const wchar_t* text, const unsigned __int64 length);
 char* LoadStringResult(const char* text, const unsigned __int64 length);
 
 // String arrays: lines of text ended by CR LF.
-unsigned __int64 WriteStrArrayByHandleW(void* const handle, const wchar_t** array, const unsigned __int64 size,
-                                        const unsigned __int64 start, const unsigned __int64 count);
+unsigned __int64 WriteStrArrayByHandleW(void* const handle, const wchar_t** array,
+                                        const unsigned __int64 size, const unsigned __int64 start,
+                                        const unsigned __int64 count);
 unsigned __int64 WriteStrArrayByHandleA(void* const handle, const char** array, const unsigned __int64 size,
                                         const unsigned __int64 start, const unsigned __int64 count);
 template <class Record>

@@ -10,7 +10,9 @@ namespace Utils {
 namespace Error {
 
 namespace detail {
-unsigned long LastError() noexcept { return ::GetLastError(); }
+unsigned long LastError() noexcept {
+    return ::GetLastError();
+}
 } // namespace detail
 
 const char* BaseName(const char* path) noexcept {
@@ -54,8 +56,7 @@ std::string SystemDescriptionA(unsigned long code) {
     return out.str();
 }
 
-template <>
-std::wstring DescriptionW<bool>(bool withLastError) {
+template <> std::wstring DescriptionW<bool>(bool withLastError) {
     if (!withLastError)
         return std::wstring();
     // The code becomes bool: 1 after any failure, 0 without one. Kept deliberately.
@@ -63,8 +64,7 @@ std::wstring DescriptionW<bool>(bool withLastError) {
     return SystemDescriptionW(code ? 1u : 0u);
 }
 
-template <>
-std::string DescriptionA<bool>(bool withLastError) {
+template <> std::string DescriptionA<bool>(bool withLastError) {
     if (!withLastError)
         return std::string();
     const bool code = ::GetLastError() != 0;
@@ -77,8 +77,7 @@ std::string DescriptionA<bool>(bool withLastError) {
 namespace {
 
 // ASCII text in either character width (markers, line breaks).
-template <class Char>
-std::basic_string<Char> Ascii(const char* text) {
+template <class Char> std::basic_string<Char> Ascii(const char* text) {
     std::basic_string<Char> out;
     for (; *text; ++text)
         out += static_cast<Char>(*text);
@@ -87,7 +86,9 @@ std::basic_string<Char> Ascii(const char* text) {
 
 // Russian words of the headings: as they stand for wide text, in code page 1251 for 8-bit text
 // (the code page the 8-bit texts of the library are written in).
-std::wstring Words(const wchar_t* text, wchar_t) { return text; }
+std::wstring Words(const wchar_t* text, wchar_t) {
+    return text;
+}
 std::string Words(const wchar_t* text, char) {
     const int n = ::WideCharToMultiByte(1251, 0, text, -1, nullptr, 0, nullptr, nullptr);
     std::string out(n > 0 ? static_cast<size_t>(n) - 1 : 0, '\0');
@@ -240,4 +241,6 @@ void ShowErrorW(std::wstring caption, std::wstring text) {
     ShowMessageW(text.c_str(), caption.c_str(), Utils::Error::kErrorStyle, 0);
 }
 
-void ShowErrorA(std::string caption, std::string text) { ShowMessageA(text.c_str(), caption.c_str()); }
+void ShowErrorA(std::string caption, std::string text) {
+    ShowMessageA(text.c_str(), caption.c_str());
+}

@@ -12,9 +12,10 @@ namespace Utils {
 namespace {
 const char kFileOperation[] = "bool __cdecl Utils::MainFile::FileOperation(const " TOVARIN_WSTRING
                               " &,const " TOVARIN_WSTRING " &,const unsigned short)";
-const char kSymbolicLink[] = "bool __cdecl Utils::MainFile::SymbolicLink(const " TOVARIN_WSTRING " &,const " TOVARIN_WSTRING
-                             " &,const bool)";
-const char kHardLink[] = "void __cdecl Utils::File::HardLink(const " TOVARIN_WSTRING " &,const " TOVARIN_WSTRING " &)";
+const char kSymbolicLink[] = "bool __cdecl Utils::MainFile::SymbolicLink(const " TOVARIN_WSTRING
+                             " &,const " TOVARIN_WSTRING " &,const bool)";
+const char kHardLink[] =
+    "void __cdecl Utils::File::HardLink(const " TOVARIN_WSTRING " &,const " TOVARIN_WSTRING " &)";
 } // namespace
 
 bool CreateFolder(const std::wstring& folder) {
@@ -38,7 +39,8 @@ bool FileOperation(const std::wstring& from, const std::wstring& to, const unsig
     operation.wFunc = wFunc;
     operation.pFrom = source.c_str();
     operation.pTo = wFunc == FO_DELETE ? nullptr : target.c_str();
-    operation.fFlags = FOF_MULTIDESTFILES | FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOCONFIRMMKDIR | FOF_NOERRORUI;
+    operation.fFlags =
+        FOF_MULTIDESTFILES | FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOCONFIRMMKDIR | FOF_NOERRORUI;
     operation.fAnyOperationsAborted = TRUE;
     ::SetLastError(0);
     if (wFunc < FO_MOVE || wFunc > FO_RENAME)
@@ -47,7 +49,9 @@ bool FileOperation(const std::wstring& from, const std::wstring& to, const unsig
     return ::SHFileOperationW(&operation) == 0 && !operation.fAnyOperationsAborted;
 }
 
-bool DeletePath(const std::wstring& path) { return FileOperation(path, std::wstring(), FO_DELETE); }
+bool DeletePath(const std::wstring& path) {
+    return FileOperation(path, std::wstring(), FO_DELETE);
+}
 
 bool SymbolicLink(const std::wstring& link, const std::wstring& target, const bool) {
     String::Path::Has(link);
@@ -77,10 +81,11 @@ void HardLink(const std::wstring& source, const std::wstring& link) {
     if (::CreateHardLinkW(link.c_str(), source.c_str(), nullptr))
         return;
     if (::GetLastError() == 0)
-        TOVARIN_THROW(kHardLink, false,
-                      L"Не создана жёсткая ссылка на файл:\r\n\"" + source +
-                          L"\"\r\nВозможной причиной может быть попытка создания жёсткой ссылки на путь, который "
-                          L"уже является ссылкой с другого диска.");
+        TOVARIN_THROW(
+            kHardLink, false,
+            L"Не создана жёсткая ссылка на файл:\r\n\"" + source +
+                L"\"\r\nВозможной причиной может быть попытка создания жёсткой ссылки на путь, который "
+                L"уже является ссылкой с другого диска.");
     TOVARIN_THROW(kHardLink, true, L"Не создана жёсткая ссылка на файл:\r\n\"" + source + L"\"");
 }
 

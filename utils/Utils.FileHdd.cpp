@@ -15,14 +15,17 @@ namespace Utils {
 namespace {
 
 #define FILEHDD "Utils::FileHdd::"
-const char kInit[] = "void __cdecl " FILEHDD "Init(const " TOVARIN_WSTRING " &,void *const ,const bool,const bool)";
+const char kInit[] =
+    "void __cdecl " FILEHDD "Init(const " TOVARIN_WSTRING " &,void *const ,const bool,const bool)";
 const char kCreate[] = "void *__cdecl " FILEHDD "_Create(const " TOVARIN_WSTRING " &,const unsigned long)";
 const char kClose[] = "void __cdecl " FILEHDD "_Close(void *const )";
 const char kFlush[] = "void __cdecl " FILEHDD "Flush(void *const )";
-const char kCheckHandle[] = "void __cdecl " FILEHDD "CheckHandle(const " TOVARIN_WSTRING " &,void *const ) const";
+const char kCheckHandle[] =
+    "void __cdecl " FILEHDD "CheckHandle(const " TOVARIN_WSTRING " &,void *const ) const";
 const char kPathByHandle[] = TOVARIN_WSTRING " __cdecl " FILEHDD "PathByHandle(void *const )";
 const char kRead[] = "unsigned __int64 __cdecl " FILEHDD "_Read(void *const ,void *,const unsigned __int64)";
-const char kWrite[] = "unsigned __int64 __cdecl " FILEHDD "_Write(void *const ,const void *,const unsigned __int64)";
+const char kWrite[] =
+    "unsigned __int64 __cdecl " FILEHDD "_Write(void *const ,const void *,const unsigned __int64)";
 const char kSetPointer[] = "__int64 __cdecl " FILEHDD "_SetPointer(void *const ,const int,const __int64)";
 const char kSize64[] = "unsigned __int64 __cdecl " FILEHDD "_Size64(void *const )";
 const char kSizeEx64[] = "__int64 __cdecl " FILEHDD "_SizeEx64(void *const )";
@@ -60,14 +63,14 @@ ChunkPlan PlanChunks(const unsigned __int64 size) {
 }
 
 const wchar_t* DispositionName(const unsigned long disposition) {
-    static const wchar_t* const kNames[] = {L"EMPTY",       L"CREATE_NEW",  L"CREATE_ALWAYS",
+    static const wchar_t* const kNames[] = {L"EMPTY",         L"CREATE_NEW",  L"CREATE_ALWAYS",
                                             L"OPEN_EXISTING", L"OPEN_ALWAYS", L"TRUNCATE_EXISTING"};
     return disposition < 6 ? kNames[disposition] : kNames[0];
 }
 
 FileHdd::FileHdd()
-    : handle_(nullptr), closeOnRelease_(true), access_(kDefaultAccess), flags_(kDefaultFlags), share_(kDefaultShare),
-      templateFile_(nullptr) {}
+    : handle_(nullptr), closeOnRelease_(true), access_(kDefaultAccess), flags_(kDefaultFlags),
+      share_(kDefaultShare), templateFile_(nullptr) {}
 
 FileHdd::~FileHdd() {
     try {
@@ -110,9 +113,10 @@ void FileHdd::Init(const std::wstring& path, void* const handle, const bool clos
     if (path_.empty() && handle_ != nullptr)
         path_ = PathByHandle(handle_);
     if (path_.empty())
-        TOVARIN_THROW(kInit, false,
-                      L"Класс не инициализирован.\r\nДолжены быть указан путь к файлу или системный дескриптор "
-                      L"файла.");
+        TOVARIN_THROW(
+            kInit, false,
+            L"Класс не инициализирован.\r\nДолжены быть указан путь к файлу или системный дескриптор "
+            L"файла.");
     folder_ = String::Path::TrimNameFileCW(path_, 0);
     const size_t slash = path_.rfind(L'\\');
     fileName_ = slash == std::wstring::npos ? path_ : path_.substr(slash + 1);
@@ -124,9 +128,10 @@ void FileHdd::Init(const std::wstring& path, void* const handle, const bool clos
     MakeEvent();
     // A second guard, kept after the event as it always stood.
     if (path_.empty() && handle_ == nullptr)
-        TOVARIN_THROW(kInit, false,
-                      L"Не указаны путь к файлу и системный дескриптор файла.\r\nНеобходимо указать хотя бы один "
-                      L"инициализатор.");
+        TOVARIN_THROW(
+            kInit, false,
+            L"Не указаны путь к файлу и системный дескриптор файла.\r\nНеобходимо указать хотя бы один "
+            L"инициализатор.");
 }
 
 void* FileHdd::_Create(const std::wstring& path, const unsigned long disposition) {
@@ -192,10 +197,11 @@ void FileHdd::Close() {
 void FileHdd::CheckHandle(const char* name, void* const handle) const {
     // Only null is refused: INVALID_HANDLE_VALUE fails later, in the system call.
     if (handle == nullptr)
-        TOVARIN_THROW(kCheckHandle, false,
-                      CodingStr::AnsiToUnicode(name, 0) +
-                          L"\r\n\r\nМетод не может быть выполнен.\r\nОтсутствует системный дескриптор файла:\r\n\"" +
-                          path_ + L"\"\r\nВероятно, файл не открыт.");
+        TOVARIN_THROW(
+            kCheckHandle, false,
+            CodingStr::AnsiToUnicode(name, 0) +
+                L"\r\n\r\nМетод не может быть выполнен.\r\nОтсутствует системный дескриптор файла:\r\n\"" +
+                path_ + L"\"\r\nВероятно, файл не открыт.");
 }
 
 void FileHdd::Flush(void* const handle) {
@@ -244,7 +250,8 @@ void FileHdd::TransferFailed(bool write, void* const handle, const unsigned __in
     TOVARIN_THROW(write ? kWrite : kRead, true, text.str());
 }
 
-unsigned __int64 FileHdd::Transfer(bool write, void* const handle, void* buffer, const unsigned __int64 size) {
+unsigned __int64 FileHdd::Transfer(bool write, void* const handle, void* buffer,
+                                   const unsigned __int64 size) {
     const ChunkPlan plan = PlanChunks(size);
     CheckTransfer(write, handle);
     if (plan.count == 0)
@@ -327,8 +334,7 @@ void FileHdd::SetEndPhysical(void* const handle) {
         TOVARIN_THROW(kSetEnd, true, L"Не зафиксирован физический размер файла:\r\n\"" + path_ + L"\"");
 }
 
-template <class T>
-__int64 FileHdd::Resize(const T newSize) {
+template <class T> __int64 FileHdd::Resize(const T newSize) {
     Guard guard(lock_);
     const __int64 position = _SetPointer(handle_, FILE_CURRENT, 0);
     _SetPointer(handle_, FILE_BEGIN, static_cast<__int64>(newSize));
@@ -336,8 +342,8 @@ __int64 FileHdd::Resize(const T newSize) {
     const __int64 size = _SizeEx64(handle_);
     if (static_cast<unsigned __int64>(size) != static_cast<unsigned __int64>(newSize))
         TOVARIN_THROW(kResize, false,
-                      L"Размер файла изменён неверно.\r\nУстанавливаемый размер: " + std::to_wstring(newSize) +
-                          L"\r\nУстановленный размер: " + std::to_wstring(size));
+                      L"Размер файла изменён неверно.\r\nУстанавливаемый размер: " +
+                          std::to_wstring(newSize) + L"\r\nУстановленный размер: " + std::to_wstring(size));
     if (static_cast<unsigned __int64>(position) > _Size64(handle_))
         _SetPointer(handle_, FILE_END, 0);
     else
@@ -350,18 +356,20 @@ template __int64 FileHdd::Resize<unsigned __int64>(const unsigned __int64);
 bool FileHdd::Copy(const std::wstring& to) {
     Guard guard(lock_);
     if (path_.empty())
-        TOVARIN_THROW(kCopy, false,
-                      L"Отсутствует путь к исходному файлу.\r\nДля копирования файла необходимо инициализировать "
-                      L"класс путём к файлу.");
+        TOVARIN_THROW(
+            kCopy, false,
+            L"Отсутствует путь к исходному файлу.\r\nДля копирования файла необходимо инициализировать "
+            L"класс путём к файлу.");
     return MainFile::FileOperation(path_, to, FO_COPY);
 }
 
 bool FileHdd::Move(const std::wstring& to) {
     Guard guard(lock_);
     if (path_.empty())
-        TOVARIN_THROW(kMove, false,
-                      L"Отсутствует путь к исходному файлу.\r\nДля перемещения файла необходимо инициализировать "
-                      L"класс путём к файлу.");
+        TOVARIN_THROW(
+            kMove, false,
+            L"Отсутствует путь к исходному файлу.\r\nДля перемещения файла необходимо инициализировать "
+            L"класс путём к файлу.");
     if (!MainFile::FileOperation(path_, to, FO_MOVE))
         return false;
     path_ = to;
@@ -372,9 +380,10 @@ bool FileHdd::Move(const std::wstring& to) {
 bool FileHdd::Delete() {
     Guard guard(lock_);
     if (path_.empty())
-        TOVARIN_THROW(kDelete, false,
-                      L"Отсутствует путь к исходному файлу.\r\nДля удаления файла необходимо инициализировать "
-                      L"класс путём к файлу.");
+        TOVARIN_THROW(
+            kDelete, false,
+            L"Отсутствует путь к исходному файлу.\r\nДля удаления файла необходимо инициализировать "
+            L"класс путём к файлу.");
     if (handle_ != nullptr)
         _Close(handle_);
     handle_ = nullptr;
@@ -384,9 +393,10 @@ bool FileHdd::Delete() {
 void FileHdd::HardLink(const std::wstring& link) {
     Guard guard(lock_);
     if (path_.empty())
-        TOVARIN_THROW(kHardLink, false,
-                      L"Отсутствует путь к исходному файлу.\r\nДля создания жёсткой ссылки на файл необходимо "
-                      L"инициализировать класс путём к файлу.");
+        TOVARIN_THROW(
+            kHardLink, false,
+            L"Отсутствует путь к исходному файлу.\r\nДля создания жёсткой ссылки на файл необходимо "
+            L"инициализировать класс путём к файлу.");
     File::HardLink(path_, link);
 }
 

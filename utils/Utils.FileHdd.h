@@ -13,8 +13,7 @@
 namespace Utils {
 
 // Raw operations on a handle of type H, in this slot order.
-template <class H>
-class FileOperation {
+template <class H> class FileOperation {
 public:
     virtual ~FileOperation() {}
     virtual void _Close(H const handle) = 0;
@@ -88,8 +87,7 @@ public:
     void SetEndPhysical(void* const handle);
     // Sets the size of the object's own file; the pointer stays, or moves to the new end when it
     // would lie beyond it. Returns the size read back.
-    template <class T>
-    __int64 Resize(const T newSize);
+    template <class T> __int64 Resize(const T newSize);
 
     // Path operations on the object's path (shell copy/move/delete; hard link).
     bool Copy(const std::wstring& to);

@@ -20,7 +20,8 @@ unsigned short FilesFind::Status(const std::wstring& path) const {
     else if (place_ == kFtp)
         search = ::FtpFindFirstFileW(static_cast<HINTERNET>(connection_), path.c_str(), &found, 0, 0);
     else
-        TOVARIN_THROW(kStatus, false, L"Класс не инициализирован для поиска файлов.\nНе определено где искать файлы.");
+        TOVARIN_THROW(kStatus, false,
+                      L"Класс не инициализирован для поиска файлов.\nНе определено где искать файлы.");
     if (search == INVALID_HANDLE_VALUE || search == nullptr)
         return 0;
     if (place_ == kLocal) {

@@ -21,7 +21,9 @@ const wchar_t* const kReserved[] = {L"con",  L"nul",  L"prn",  L"AUX",  L"COM1",
                                     L"LPT4", L"LPT5", L"LPT6", L"LPT7", L"LPT8", L"LPT9"};
 const size_t kReservedCount = sizeof(kReserved) / sizeof(kReserved[0]);
 
-bool StartsWith(const std::wstring& text, const wchar_t* prefix) { return text.rfind(prefix, 0) == 0; }
+bool StartsWith(const std::wstring& text, const wchar_t* prefix) {
+    return text.rfind(prefix, 0) == 0;
+}
 
 bool IsReserved(const std::wstring& name) {
     for (const wchar_t* entry : kReserved)
@@ -42,8 +44,8 @@ bool Has(const std::wstring& path, const bool) {
 
     // The colon rule joins its conditions by "and", so it never fails in practice; kept as it is.
     const size_t colon = path.rfind(L':');
-    if (colon != std::wstring::npos && colon != (isLong ? 5u : 1u) && StartsWith(upper, L"FTP") && colon != 3 &&
-        StartsWith(upper, L"HTTP") && colon != 4 && StartsWith(upper, L"HTTPS") && colon != 5)
+    if (colon != std::wstring::npos && colon != (isLong ? 5u : 1u) && StartsWith(upper, L"FTP") &&
+        colon != 3 && StartsWith(upper, L"HTTP") && colon != 4 && StartsWith(upper, L"HTTPS") && colon != 5)
         TOVARIN_THROW(kHas, false,
                       L"Двоеточие \":\" не в начале пути:\n\"" + path + L"\".\nПозиции двоеточия: " +
                           std::to_wstring(colon) + L".");
@@ -68,13 +70,14 @@ bool Has(const std::wstring& path, const bool) {
     size_t number = 0;
     for (size_t begin = 0;; ++number) {
         const size_t end = path.find(L'\\', begin);
-        const std::wstring name = path.substr(begin, end == std::wstring::npos ? std::wstring::npos : end - begin);
+        const std::wstring name =
+            path.substr(begin, end == std::wstring::npos ? std::wstring::npos : end - begin);
         if (IsReserved(name))
             TOVARIN_THROW(kHas, false,
                           L"Использовано зарезервированное в Windows имя \"" +
                               std::wstring(number < kReservedCount ? kReserved[number] : name.c_str()) +
-                              L"\" с порядковым номером " + std::to_wstring(number + 1) + L" в пути:\n\"" + path +
-                              L"\"");
+                              L"\" с порядковым номером " + std::to_wstring(number + 1) + L" в пути:\n\"" +
+                              path + L"\"");
         if (end == std::wstring::npos)
             break;
         begin = end + 1;
@@ -86,8 +89,8 @@ std::wstring TrimNameFileCW(const std::wstring& path, const unsigned __int64 cou
     if (path.empty())
         TOVARIN_THROW(kTrim, false, L"Отсутствует путь.");
     unsigned __int64 number = count + 1;
-    const unsigned __int64 position =
-        PosByReverseNumberSubStringsW(path, L"\\", number, static_cast<unsigned __int64>(-1), static_cast<unsigned __int64>(-1));
+    const unsigned __int64 position = PosByReverseNumberSubStringsW(
+        path, L"\\", number, static_cast<unsigned __int64>(-1), static_cast<unsigned __int64>(-1));
     if (position == static_cast<unsigned __int64>(-1))
         return path;
     return path.substr(0, static_cast<size_t>(position));

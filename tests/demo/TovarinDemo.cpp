@@ -18,7 +18,9 @@ std::wstring Folder() {
     return std::wstring(temp) + L"TovarinDemo";
 }
 
-void Show(const char* what, bool ok) { std::printf("  %-44s %s\n", what, ok ? "ok" : "FAILED"); }
+void Show(const char* what, bool ok) {
+    std::printf("  %-44s %s\n", what, ok ? "ok" : "FAILED");
+}
 
 } // namespace
 
@@ -63,9 +65,10 @@ int main() {
     wchar_t* targets[3] = {lines[0], lines[1], lines[2]};
     const unsigned __int64 lineCount = FileReadStrArrayW(file, targets, 3, 16, 0, TOVARIN_TO_END);
     std::printf("  int %d, double %.5f, bool %d, string %ls\n", date, price, flag ? 1 : 0, symbol.c_str());
-    std::printf("  array of %llu: %.4f %.4f %.4f %.4f %.4f\n", static_cast<unsigned long long>(read), back[0], back[1],
-                back[2], back[3], back[4]);
-    std::printf("  %llu lines: %ls %ls %ls\n", static_cast<unsigned long long>(lineCount), lines[0], lines[1], lines[2]);
+    std::printf("  array of %llu: %.4f %.4f %.4f %.4f %.4f\n", static_cast<unsigned long long>(read), back[0],
+                back[1], back[2], back[3], back[4]);
+    std::printf("  %llu lines: %ls %ls %ls\n", static_cast<unsigned long long>(lineCount), lines[0], lines[1],
+                lines[2]);
     check("values read back", date == 20261123 && price == 1.08345 && flag && symbol == L"EURUSD");
     check("array read back", read == 5 && back[3] == 1.0834);
     check("string array read back", lineCount == 3 && std::wcscmp(lines[2], L"USDJPY") == 0);
@@ -82,7 +85,8 @@ int main() {
                 "and the export returns its neutral result:\n");
     check("FileWriteInt(bad handle) == -1", FileWriteInt(reinterpret_cast<void*>(0x1234), 1) == -1);
     for (const TestSupport::Box& box : boxes.Boxes()) {
-        const std::string text = TestSupport::Narrow(L"--- " + box.caption + L" ---\n" + box.text + L"\n---\n");
+        const std::string text =
+            TestSupport::Narrow(L"--- " + box.caption + L" ---\n" + box.text + L"\n---\n");
         std::fwrite(text.data(), 1, text.size(), stdout);
     }
     std::printf(all ? "All demo steps passed.\n" : "Some demo steps failed.\n");

@@ -11,8 +11,7 @@ namespace TestSupport {
 
 namespace {
 
-template <class T>
-bool At(const std::string& image, size_t offset, T& out) {
+template <class T> bool At(const std::string& image, size_t offset, T& out) {
     if (offset + sizeof(T) > image.size())
         return false;
     std::memcpy(&out, image.data() + offset, sizeof(T));
@@ -35,7 +34,8 @@ PeTables ReadPeTables(const std::wstring& path) {
     if (!At(image, 0, dos) || dos.e_magic != IMAGE_DOS_SIGNATURE || !At(image, dos.e_lfanew, nt) ||
         nt.Signature != IMAGE_NT_SIGNATURE || nt.OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC)
         return tables;
-    const size_t sectionsAt = dos.e_lfanew + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) + nt.FileHeader.SizeOfOptionalHeader;
+    const size_t sectionsAt =
+        dos.e_lfanew + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) + nt.FileHeader.SizeOfOptionalHeader;
     std::vector<IMAGE_SECTION_HEADER> sections(nt.FileHeader.NumberOfSections);
     for (size_t i = 0; i < sections.size(); ++i)
         if (!At(image, sectionsAt + i * sizeof(IMAGE_SECTION_HEADER), sections[i]))

@@ -13,8 +13,7 @@ public:
     static HMODULE Module();
 
     // The export `name` as a function pointer of type F (fails the test when it is missing).
-    template <class F>
-    static F Get(const char* name) {
+    template <class F> static F Get(const char* name) {
         FARPROC proc = ::GetProcAddress(Module(), name);
         EXPECT_NE(proc, nullptr) << name;
         return reinterpret_cast<F>(reinterpret_cast<void*>(proc));

@@ -43,7 +43,8 @@ TEST(CodingStr, FailedConversionThrowsWithSignatureAndLastError) {
         AnsiToUnicode("abc", 77777); // no such code page
         FAIL() << "no throw";
     } catch (const std::wstring& text) {
-        EXPECT_NE(text.find(L"Utils::CodingStr::AnsiToUnicode(const class std::basic_string<char"), std::wstring::npos);
+        EXPECT_NE(text.find(L"Utils::CodingStr::AnsiToUnicode(const class std::basic_string<char"),
+                  std::wstring::npos);
         EXPECT_NE(text.find(L"File: \"Utils.CodingStr.cpp\""), std::wstring::npos);
         EXPECT_NE(text.find(L"\nLast Error: 1.\n"), std::wstring::npos);
         EXPECT_NE(text.find(L"В строке отсутствуют символы.\n"), std::wstring::npos);
@@ -66,9 +67,11 @@ TEST(IsWide, OtherTypesFailNamingTheCaller) {
         Utils::Type::IsWide<int>(L"");
         FAIL() << "no throw";
     } catch (const std::wstring& text) {
-        EXPECT_NE(text.find(L"Ошибка в\r\nUnknown\r\n\r\nПрименён неправильный тип данных.\r\nВозможны только типы: "
-                            L"CHAR, WCHAR, TCHAR, std::string, std::wstring."),
-                  std::wstring::npos);
+        EXPECT_NE(
+            text.find(
+                L"Ошибка в\r\nUnknown\r\n\r\nПрименён неправильный тип данных.\r\nВозможны только типы: "
+                L"CHAR, WCHAR, TCHAR, std::string, std::wstring."),
+            std::wstring::npos);
     }
     try {
         Utils::Type::IsWide<double>(L"caller");

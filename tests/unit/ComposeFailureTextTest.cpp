@@ -36,8 +36,10 @@ const HeadingCase kHeadings[] = {
     {"MethodDetected", L"int C::m(long)[d]\r\nL", L"Обнаружена ошибка методом \"int C::m(long)\"!\r\nL"},
     {"MethodWarning", L"int C::m(long)[W]\r\nL", L"Предупреждение метода \"int C::m(long)\"!\r\nL"},
     {"Operator", L"C::operator+(long)[o]\r\nL", L"Ошибка в операторе \"C::operator+(long)\"!\r\nL"},
-    {"OperatorDetected", L"C::operator+(long)[O][D]\r\nL", L"Обнаружена ошибка оператором \"C::operator+(long)\"!\r\nL"},
-    {"OperatorWarning", L"C::operator+(long)[o][w]\r\nL", L"Предупреждение оператора \"C::operator+(long)\"!\r\nL"},
+    {"OperatorDetected", L"C::operator+(long)[O][D]\r\nL",
+     L"Обнаружена ошибка оператором \"C::operator+(long)\"!\r\nL"},
+    {"OperatorWarning", L"C::operator+(long)[o][w]\r\nL",
+     L"Предупреждение оператора \"C::operator+(long)\"!\r\nL"},
     // Without parentheses the suffix supplies them.
     {"NoParentheses", L"Name[f]\r\nL", L"Ошибка в функции \"Name()\"!\r\nL"},
     // Without any block the suffix is appended.
@@ -61,7 +63,8 @@ TEST(ComposeFailureText, LastErrorBlockGivesCodeOneAfterAFailedCall) {
     ASSERT_FALSE(::CloseHandle(reinterpret_cast<HANDLE>(static_cast<intptr_t>(0x7FFF0))));
     ASSERT_NE(::GetLastError(), 0u);
     const std::wstring text = ComposeFailureTextW(L"void f(int)[f]\r\nL\r\n", L"Сообщение.", true);
-    EXPECT_EQ(text, L"Ошибка в функции \"void f(int)\"!\r\nL\r\n\nLast Error: 1.\n" + SystemText(1) + L"\nСообщение.\n");
+    EXPECT_EQ(text, L"Ошибка в функции \"void f(int)\"!\r\nL\r\n\nLast Error: 1.\n" + SystemText(1) +
+                        L"\nСообщение.\n");
 }
 
 TEST(ComposeFailureText, LastErrorBlockGivesCodeZeroWithoutError) {
@@ -76,7 +79,8 @@ TEST(ComposeFailureText, NarrowComposerHasTheSameShape) {
     EXPECT_NE(text.find("\"void f(int)\"!\r\nL\r\n\nLast Error: 1.\n"), std::string::npos) << text;
     EXPECT_EQ(text.substr(text.size() - 8), "message\n");
     // The heading is the 8-bit (code page 1251) form of "Ошибка в функции \"".
-    EXPECT_EQ(text.substr(0, 18), std::string("\xCE\xF8\xE8\xE1\xEA\xE0 \xE2 \xF4\xF3\xED\xEA\xF6\xE8\xE8 \"", 18));
+    EXPECT_EQ(text.substr(0, 18),
+              std::string("\xCE\xF8\xE8\xE1\xEA\xE0 \xE2 \xF4\xF3\xED\xEA\xF6\xE8\xE8 \"", 18));
 }
 
 TEST(ComposeFailureText, SystemDescriptionLayout) {
@@ -92,7 +96,9 @@ TEST(ThrowAt, ComposesSignatureBaseNameAndLine) {
         TOVARIN_THROW("void __cdecl Sample(int)", false, L"Текст.");
         FAIL() << "no throw";
     } catch (const std::wstring& text) {
-        EXPECT_EQ(text.find(L"Ошибка в функции \"void __cdecl Sample(int)\"!\r\nFile: \"ComposeFailureTextTest.cpp\"\r\nLine: "), 0u);
+        EXPECT_EQ(text.find(L"Ошибка в функции \"void __cdecl Sample(int)\"!\r\nFile: "
+                            L"\"ComposeFailureTextTest.cpp\"\r\nLine: "),
+                  0u);
         EXPECT_EQ(text.substr(text.size() - 8), L"\nТекст.\n");
     }
 }

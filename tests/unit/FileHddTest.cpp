@@ -18,14 +18,14 @@ using Utils::FileHdd;
 namespace {
 
 // Expects `action` to throw a text that contains every piece of `pieces`.
-template <class Action>
-void ExpectFailure(Action action, std::initializer_list<std::wstring> pieces) {
+template <class Action> void ExpectFailure(Action action, std::initializer_list<std::wstring> pieces) {
     try {
         action();
         ADD_FAILURE() << "no throw";
     } catch (const std::wstring& text) {
         for (const std::wstring& piece : pieces)
-            EXPECT_NE(text.find(piece), std::wstring::npos) << TestSupport::Narrow(piece) << "\nin\n" << TestSupport::Narrow(text);
+            EXPECT_NE(text.find(piece), std::wstring::npos) << TestSupport::Narrow(piece) << "\nin\n"
+                                                            << TestSupport::Narrow(text);
     }
 }
 
@@ -74,15 +74,17 @@ TEST(FileHddInit, SplitsThePathAndNamesTheEvent) {
 
 TEST(FileHddInit, NothingToDescribeThrows) {
     FileHdd file;
-    ExpectFailure([&] { file.Init(L"", nullptr, true); },
-                  {L"Класс не инициализирован.\r\nДолжены быть указан путь к файлу или системный дескриптор файла."});
+    ExpectFailure(
+        [&] { file.Init(L"", nullptr, true); },
+        {L"Класс не инициализирован.\r\nДолжены быть указан путь к файлу или системный дескриптор файла."});
     EXPECT_EQ(file.EventName(), L"");
 }
 
 TEST(FileHddInit, FromAHandleTakesTheFinalPath) {
     TempDir dir;
     ASSERT_TRUE(TestSupport::WriteFileBytes(dir / L"h.bin", "abc"));
-    HANDLE handle = ::CreateFileW((dir / L"h.bin").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    HANDLE handle = ::CreateFileW((dir / L"h.bin").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(handle, INVALID_HANDLE_VALUE);
     {
         FileHdd file;
@@ -246,30 +248,40 @@ TEST_F(OpenFile, ShortReadThrowsWithTheIterationText) {
     file._SetPointer(handle, FILE_BEGIN, 6);
     char buffer[10] = {};
     ExpectFailure([&] { file._Read(handle, buffer, 10); },
-                  {L"На итерации 0 не прочитаны данные из файла:\n\"" + file.Path() + L"\"\nФайловый указатель: 10\n"
+                  {L"На итерации 0 не прочитаны данные из файла:\n\"" + file.Path() +
+                   L"\"\nФайловый указатель: 10\n"
                    L"Запрошено: 10\nПрочитано: 4"});
     EXPECT_EQ(std::string(buffer, 4), "6789");
 }
 
 TEST_F(OpenFile, SetPointerChecksOriginFirstAndRefusesBeforeTheStart) {
-    ExpectFailure([&] { file._SetPointer(nullptr, 3, 0); }, {L"Точка отсчета перемещения указателя указана неправильно."});
-    ExpectFailure([&] { file._SetPointer(handle, FILE_BEGIN, -1); },
-                  {L"Не смещён файловый указатель в файле:\r\n\"" + file.Path() + L"\"", L"\nLast Error: 1.\n"});
+    ExpectFailure([&] { file._SetPointer(nullptr, 3, 0); },
+                  {L"Точка отсчета перемещения указателя указана неправильно."});
+    ExpectFailure(
+        [&] { file._SetPointer(handle, FILE_BEGIN, -1); },
+        {L"Не смещён файловый указатель в файле:\r\n\"" + file.Path() + L"\"", L"\nLast Error: 1.\n"});
 }
 
 TEST_F(OpenFile, NullHandleIsRefusedNamingTheOperation) {
-    const std::wstring tail = L"\r\n\r\nМетод не может быть выполнен.\r\nОтсутствует системный дескриптор файла:\r\n\"" +
-                              file.Path() + L"\"\r\nВероятно, файл не открыт.";
+    const std::wstring tail =
+        L"\r\n\r\nМетод не может быть выполнен.\r\nОтсутствует системный дескриптор файла:\r\n\"" +
+        file.Path() + L"\"\r\nВероятно, файл не открыт.";
     char byte = 0;
-    ExpectFailure([&] { file._Read(nullptr, &byte, 1); },
-                  {L"unsigned __int64 __cdecl Utils::FileHdd::_Read(void *const ,void *,const unsigned __int64)" + tail});
+    ExpectFailure(
+        [&] { file._Read(nullptr, &byte, 1); },
+        {L"unsigned __int64 __cdecl Utils::FileHdd::_Read(void *const ,void *,const unsigned __int64)" +
+         tail});
     ExpectFailure([&] { file._Write(nullptr, &byte, 1); },
-                  {L"unsigned __int64 __cdecl Utils::FileHdd::_Write(void *const ,const void *,const unsigned __int64)" + tail});
-    ExpectFailure([&] { file._SetPointer(nullptr, FILE_BEGIN, 0); },
-                  {L"__int64 __cdecl Utils::FileHdd::_SetPointer(void *const ,const int,const __int64)" + tail});
+                  {L"unsigned __int64 __cdecl Utils::FileHdd::_Write(void *const ,const void *,const "
+                   L"unsigned __int64)" +
+                   tail});
+    ExpectFailure(
+        [&] { file._SetPointer(nullptr, FILE_BEGIN, 0); },
+        {L"__int64 __cdecl Utils::FileHdd::_SetPointer(void *const ,const int,const __int64)" + tail});
     ExpectFailure([&] { file.Flush(nullptr); }, {L"void __cdecl Utils::FileHdd::Flush(void *const )" + tail});
     ExpectFailure([&] { file._Size64(nullptr); }, {L"Utils::FileHdd::_Size64(void *const )" + tail});
-    ExpectFailure([&] { file.SetEndPhysical(nullptr); }, {L"Utils::FileHdd::SetEndPhysical(void *const )" + tail});
+    ExpectFailure([&] { file.SetEndPhysical(nullptr); },
+                  {L"Utils::FileHdd::SetEndPhysical(void *const )" + tail});
 }
 
 TEST_F(OpenFile, ResizeKeepsOrClipsThePointer) {
@@ -291,8 +303,9 @@ TEST_F(OpenFile, FaultsOfTheSystemAreReportedAndEarlierBytesStay) {
         ::SetLastError(ERROR_DISK_FULL);
         return FALSE;
     };
-    ExpectFailure([&] { file._Write(handle, "more", 4); },
-                  {L"На итерации 0 не записаны данные в файл:", L"Запрошено: 4\nЗаписано: 0", L"\nLast Error: 1.\n"});
+    ExpectFailure(
+        [&] { file._Write(handle, "more", 4); },
+        {L"На итерации 0 не записаны данные в файл:", L"Запрошено: 4\nЗаписано: 0", L"\nLast Error: 1.\n"});
     Utils::Sys() = saved;
     file.Close();
     EXPECT_EQ(TestSupport::ReadFileBytes(dir / L"io.bin"), "keep");
@@ -389,8 +402,9 @@ TEST_F(OpenFile, RequestsBeyondOneCallGoOutInChunks) {
 }
 
 TEST_F(OpenFile, CloseOfABadHandleThrowsAndNamesIt) {
-    ExpectFailure([&] { file._Close(reinterpret_cast<void*>(static_cast<intptr_t>(0x7FFF0))); },
-                  {L"Не закрыт файл:\n\"" + file.Path() + L"\"\nСистемный дескриптор: ", L"\nLast Error: 1.\n"});
+    ExpectFailure(
+        [&] { file._Close(reinterpret_cast<void*>(static_cast<intptr_t>(0x7FFF0))); },
+        {L"Не закрыт файл:\n\"" + file.Path() + L"\"\nСистемный дескриптор: ", L"\nLast Error: 1.\n"});
 }
 
 } // namespace

@@ -27,7 +27,8 @@ TEST(MainFileOperation, RefusesUnknownOperations) {
             Utils::MainFile::FileOperation(L"C:\\a", L"C:\\b", wFunc);
             ADD_FAILURE() << "accepted " << wFunc;
         } catch (const std::wstring& text) {
-            EXPECT_NE(text.find(L"\nНеверно выбран параметр выбора операции.\r\nwFunc = " + std::to_wstring(wFunc) + L"\n"),
+            EXPECT_NE(text.find(L"\nНеверно выбран параметр выбора операции.\r\nwFunc = " +
+                                std::to_wstring(wFunc) + L"\n"),
                       std::wstring::npos);
             EXPECT_EQ(text.find(L"Last Error"), std::wstring::npos);
         }
@@ -40,12 +41,15 @@ TEST(MainFileOperation, DeleteOfAMissingFileIsFalseWithoutText) {
 }
 
 TEST(FileHardLink, DrivesAreComparedByTheFirstCharacterExactly) {
-    const std::wstring text = FailureOf([](const std::wstring&) { Utils::File::HardLink(L"c:\\a.bin", L"C:\\b.bin"); }, L"");
-    EXPECT_NE(text.find(L"Жёсткая ссылка на файл может создаваться только в пределах одного логического диска."),
-              std::wstring::npos);
+    const std::wstring text =
+        FailureOf([](const std::wstring&) { Utils::File::HardLink(L"c:\\a.bin", L"C:\\b.bin"); }, L"");
+    EXPECT_NE(
+        text.find(L"Жёсткая ссылка на файл может создаваться только в пределах одного логического диска."),
+        std::wstring::npos);
     // Two long paths always pass the drive test: their first characters are equal.
-    const std::wstring longPaths =
-        FailureOf([](const std::wstring&) { Utils::File::HardLink(L"\\\\?\\C:\\nope\\a.bin", L"\\\\?\\Z:\\b.bin"); }, L"");
+    const std::wstring longPaths = FailureOf(
+        [](const std::wstring&) { Utils::File::HardLink(L"\\\\?\\C:\\nope\\a.bin", L"\\\\?\\Z:\\b.bin"); },
+        L"");
     EXPECT_EQ(longPaths.find(L"пределах одного логического диска"), std::wstring::npos);
     EXPECT_FALSE(longPaths.empty()); // it fails later, at the folder or at the link itself
 }
@@ -56,8 +60,10 @@ TEST(FileHddPathOperations, RequireAPath) {
         const wchar_t* tail;
         std::function<void()> action;
     } cases[] = {
-        {L"Для копирования файла необходимо инициализировать класс путём к файлу.", [&] { file.Copy(L"C:\\x"); }},
-        {L"Для перемещения файла необходимо инициализировать класс путём к файлу.", [&] { file.Move(L"C:\\x"); }},
+        {L"Для копирования файла необходимо инициализировать класс путём к файлу.",
+         [&] { file.Copy(L"C:\\x"); }},
+        {L"Для перемещения файла необходимо инициализировать класс путём к файлу.",
+         [&] { file.Move(L"C:\\x"); }},
         {L"Для удаления файла необходимо инициализировать класс путём к файлу.", [&] { file.Delete(); }},
         {L"Для создания жёсткой ссылки на файл необходимо инициализировать класс путём к файлу.",
          [&] { file.HardLink(L"C:\\x"); }},

@@ -21,7 +21,8 @@ namespace {
 const char kSignature[] = "int __cdecl FileWriteInt(void *const ,const int)";
 
 std::wstring Header(int line) {
-    return L"Ошибка в функции \"int __cdecl FileWriteInt(void *const ,const int)\"!\r\nFile: \"FrameTest.cpp\"\r\nLine: " +
+    return L"Ошибка в функции \"int __cdecl FileWriteInt(void *const ,const int)\"!\r\nFile: "
+           L"\"FrameTest.cpp\"\r\nLine: " +
            std::to_wstring(line) + L"\r\n";
 }
 
@@ -33,8 +34,9 @@ TEST(Frame, SuccessReturnsTheWorkResultWithoutABox) {
 
 TEST(Frame, WideFailureShowsErrorBoxAndReturnsNeutral) {
     BoxRecorder boxes;
-    const int line = __LINE__ + 1;
-    const int result = Project::Call(TOVARIN_SITE(kSignature), -1, []() -> int { throw std::wstring(L"Внутренний текст."); });
+    const Utils::Error::Site site = TOVARIN_SITE(kSignature);
+    const int line = site.line;
+    const int result = Project::Call(site, -1, []() -> int { throw std::wstring(L"Внутренний текст."); });
     EXPECT_EQ(result, -1);
     const std::vector<Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 1u);
@@ -45,24 +47,30 @@ TEST(Frame, WideFailureShowsErrorBoxAndReturnsNeutral) {
 
 TEST(Frame, NarrowFailureShowsErrorBoxThroughTheNarrowComposer) {
     BoxRecorder boxes;
-    const int line = __LINE__ + 1;
-    const double result = Project::Call(TOVARIN_SITE(kSignature), 0.0, []() -> double { throw std::string("narrow text"); });
+    const Utils::Error::Site site = TOVARIN_SITE(kSignature);
+    const int line = site.line;
+    const double result = Project::Call(site, 0.0, []() -> double { throw std::string("narrow text"); });
     EXPECT_EQ(result, 0.0);
     const std::vector<Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 1u);
     // The box shows 8-bit text; only its ASCII part is compared here.
-    EXPECT_NE(shown[0].text.find(L"\"int __cdecl FileWriteInt(void *const ,const int)\"!\r\nFile: \"FrameTest.cpp\"\r\nLine: " +
-                                 std::to_wstring(line) + L"\r\n\nnarrow text\n"),
-              std::wstring::npos)
+    EXPECT_NE(
+        shown[0].text.find(
+            L"\"int __cdecl FileWriteInt(void *const ,const int)\"!\r\nFile: \"FrameTest.cpp\"\r\nLine: " +
+            std::to_wstring(line) + L"\r\n\nnarrow text\n"),
+        std::wstring::npos)
         << TestSupport::Narrow(shown[0].text);
-    EXPECT_EQ(shown[0].caption, Utils::CodingStr::AnsiToUnicode(Utils::CodingStr::UnicodeToAnsi(Project::ModuleName(), 0), 0));
+    EXPECT_EQ(shown[0].caption,
+              Utils::CodingStr::AnsiToUnicode(Utils::CodingStr::UnicodeToAnsi(Project::ModuleName(), 0), 0));
     EXPECT_EQ(shown[0].icon, BoxIcon::Error);
 }
 
 TEST(Frame, AnyOtherFailureShowsNoticeBoxWithUnknownException) {
     BoxRecorder boxes;
-    const int line = __LINE__ + 1;
-    void* result = Project::Call(TOVARIN_SITE(kSignature), static_cast<void*>(nullptr), []() -> void* { throw std::bad_alloc(); });
+    const Utils::Error::Site site = TOVARIN_SITE(kSignature);
+    const int line = site.line;
+    void* result =
+        Project::Call(site, static_cast<void*>(nullptr), []() -> void* { throw std::bad_alloc(); });
     EXPECT_EQ(result, nullptr);
     const std::vector<Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 1u);
@@ -80,7 +88,8 @@ TEST(Frame, VoidExportsHaveNoResultButStillShowTheBox) {
     });
     EXPECT_TRUE(ran);
     ASSERT_EQ(boxes.Boxes().size(), 1u);
-    EXPECT_EQ(boxes.Boxes()[0].text.find(L"Ошибка в функции \"void __cdecl FileClear(void *const )\"!\r\n"), 0u);
+    EXPECT_EQ(boxes.Boxes()[0].text.find(L"Ошибка в функции \"void __cdecl FileClear(void *const )\"!\r\n"),
+              0u);
 }
 
 TEST(ShowMessage, MissingTimedBoxExportReturnsSilently) {
@@ -92,7 +101,8 @@ TEST(ShowMessage, MissingTimedBoxExportReturnsSilently) {
 
 TEST(ShowMessage, ModuleNotLoadedThrowsThreeLines) {
     try {
-        Utils::Error::detail::ShowMessageVia(L"NotLoadedAnywhere.dll", "MessageBoxTimeoutW", L"t", L"c", 0, 0);
+        Utils::Error::detail::ShowMessageVia(L"NotLoadedAnywhere.dll", "MessageBoxTimeoutW", L"t", L"c", 0,
+                                             0);
         FAIL() << "no throw";
     } catch (const std::wstring& text) {
         EXPECT_EQ(text, L"Ошибка в функции \"MessageBoxTimeoutW()\".\nНе получен системный дескриптор модуля "

@@ -36,7 +36,8 @@ TEST_P(PathRefused, ThrowsTheRuleText) {
 const std::wstring k256 = L"C:\\" + std::wstring(253, L'a');
 
 const RefusedPath kRefused[] = {
-    {"ForbiddenPipe", L"D:\\a|b.txt", L"Обнаружен запрещённый символ '|' в позиции 4 в пути:\n\"D:\\a|b.txt\""},
+    {"ForbiddenPipe", L"D:\\a|b.txt",
+     L"Обнаружен запрещённый символ '|' в позиции 4 в пути:\n\"D:\\a|b.txt\""},
     {"ForwardSlash", L"D:/a", L"Обнаружен запрещённый символ '/' в позиции 2 в пути:\n\"D:/a\""},
     {"LongPathWithoutColon", L"\\\\?\\UNC\\server\\share\\x",
      L"Обнаружен запрещённый символ '?' в позиции 2 в пути:\n\"\\\\?\\UNC\\server\\share\\x\""},
@@ -45,8 +46,10 @@ const RefusedPath kRefused[] = {
     {"TooLong", k256, L"Боле 255 символов в пути:\n\"" + k256 + L"\""},
     // The entry shown is the one at the name's position: "nul" for the second name.
     {"ReservedByPosition", L"D:\\con\\x.txt",
-     L"Использовано зарезервированное в Windows имя \"nul\" с порядковым номером 2 в пути:\n\"D:\\con\\x.txt\""},
-    {"ReservedAux", L"AUX", L"Использовано зарезервированное в Windows имя \"con\" с порядковым номером 1 в пути:\n\"AUX\""},
+     L"Использовано зарезервированное в Windows имя \"nul\" с порядковым номером 2 в "
+     L"пути:\n\"D:\\con\\x.txt\""},
+    {"ReservedAux", L"AUX",
+     L"Использовано зарезервированное в Windows имя \"con\" с порядковым номером 1 в пути:\n\"AUX\""},
 };
 
 INSTANTIATE_TEST_SUITE_P(Rules, PathRefused, testing::ValuesIn(kRefused),
@@ -54,9 +57,10 @@ INSTANTIATE_TEST_SUITE_P(Rules, PathRefused, testing::ValuesIn(kRefused),
 
 TEST(PathHas, AcceptsPathsThatPassEveryRule) {
     const std::wstring accepted[] = {
-        L"C:\\" + std::wstring(252, L'a'),         // 255 characters
-        L"\\\\?\\C:\\" + std::wstring(300, L'a'), // long paths have no length limit; the "?" precedes the colon
-        L"D:\\CON\\x.txt",                         // reserved names compare case-sensitively
+        L"C:\\" + std::wstring(252, L'a'), // 255 characters
+        L"\\\\?\\C:\\" +
+            std::wstring(300, L'a'), // long paths have no length limit; the "?" precedes the colon
+        L"D:\\CON\\x.txt",           // reserved names compare case-sensitively
         L"D:\\aux\\con.txt",
         L"ftp://server/dir/file.txt", // network paths may use forward slashes
         L"http://server:8080/x",
