@@ -224,9 +224,14 @@ void WriteItem(Utils::FileHdd& file, void* const handle, const char* text) {
 }
 
 // A host record: its buffer of `length` characters, seen through a string buffer, without the
-// trailing blanks and zeros.
+// trailing blanks and zeros. A record without a buffer holds no text: it is an empty line, as a null
+// line pointer is (the view would copy `length` characters from address 0).
 template <class Record> void WriteItem(Utils::FileHdd& file, void* const handle, const Record& record) {
     typedef typename std::remove_pointer<decltype(record.pointer)>::type Char;
+    if (record.pointer == nullptr) {
+        WriteLine(file, handle, static_cast<const Char*>(nullptr), 0);
+        return;
+    }
     Utils::_STRINGBUF<Char> view;
     view.Init(record.pointer, static_cast<unsigned __int64>(record.length < 0 ? 0 : record.length), 0);
     const Char* text = view.template Pointer<Char>(0);
