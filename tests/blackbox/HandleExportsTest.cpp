@@ -364,3 +364,16 @@ TEST_F(HandleExports, StringArraysWriteLinesAndReadThemBack) {
 }
 
 } // namespace
+
+// A host record without a buffer holds no text: it is written as an empty line, never read from.
+TEST_F(HandleExports, StringRecordsWithoutABufferAreEmptyLines) {
+    auto writeMW = TovarinDll::Get<u64 (*)(void*, MqlStrW*, u64, u64, u64)>("FileWriteStrArrayMW");
+    void* handle = Create(L"records.bin");
+    wchar_t text[] = L"ab";
+    MqlStrW records[3] = {{2, text}, {64, nullptr}, {2, text}};
+    EXPECT_EQ(writeMW(handle, records, 3, 0, 3), 3u);
+    dll.close(handle);
+    EXPECT_TRUE(boxes.Boxes().empty());
+    const std::string expected("a\0b\0\r\0\n\0\r\0\n\0a\0b\0\r\0\n\0", 20);
+    EXPECT_EQ(TestSupport::ReadFileBytes(dir / L"records.bin"), expected);
+}

@@ -320,7 +320,24 @@ std::vector<std::pair<std::wstring, std::string>> BadPaths(const std::wstring& f
     return paths;
 }
 
+// Keeps the current folder on the test's folder while it lives: a copy or move to an empty target
+// path goes to the current folder, and that must stay inside the test's folder.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const std::wstring& folder) {
+        wchar_t previous[MAX_PATH] = {};
+        ::GetCurrentDirectoryW(MAX_PATH, previous);
+        previous_ = previous;
+        ::SetCurrentDirectoryW(folder.c_str());
+    }
+    ~CurrentFolder() { ::SetCurrentDirectoryW(previous_.c_str()); }
+
+private:
+    std::wstring previous_;
+};
+
 TEST_F(HostileHost, EveryExportSurvivesTheStormAndTheLibraryStaysUsable) {
+    const CurrentFolder current(dir.Path());
     // A file opened before the storm, with known content.
     const auto createAlways =
         TovarinDll::Get<void* (*)(const wchar_t*, unsigned long, unsigned long)>("FileCreateAlwaysW");
