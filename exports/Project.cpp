@@ -90,6 +90,17 @@ size_t RegistrySize() {
     return Files().size();
 }
 
+void ReleaseAll() noexcept {
+    Registry released;
+    try {
+        Guard guard(RegistryLock());
+        released.swap(Files());
+    } catch (...) {
+        // Without its lock the registry cannot be emptied safely; its files stay open then.
+    }
+    // `released` lets the objects go here, outside the registry lock; each closes its file.
+}
+
 void* OpenFile(const std::wstring& path, const unsigned long access, const unsigned long share,
                const unsigned long disposition) {
     FilePtr file(new Utils::FileHdd());

@@ -21,6 +21,9 @@ void PtrCFileDelete(void* const handle);
 void Register(const FilePtr& file);
 // Number of entries, for tests and diagnostics.
 size_t RegistrySize();
+// Empties the registry and releases its objects, which close their files: for the unloading of
+// the library while the host still has files open. Never throws.
+void ReleaseAll() noexcept;
 
 // Makes a file object for `path`, sets access and share (0xFFFFFFFF keeps the default), opens the
 // file with `disposition`, registers it and returns its handle (null when the system failed

@@ -135,6 +135,16 @@ void DeleteByHandle(void* const handle) {
 
 } // namespace
 
+// When the host unloads the library (FreeLibrary) the files it left open close with it: their
+// objects live in the registry, which outlives every static object deliberately. At the end of the
+// process (reserved not null) nothing is done: the system closes the files, and the other threads
+// have already been stopped wherever they were, perhaps holding a lock the release would need.
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved) {
+    if (reason == DLL_PROCESS_DETACH && reserved == nullptr)
+        Project::ReleaseAll();
+    return TRUE;
+}
+
 // Exports that differ only in their value or element type share one body each. Every export still
 // spells its own signature and stands on its own line, which its failure texts show.
 #define TOVARIN_OPEN(name, charType, widen, disposition, signature)                                          \
