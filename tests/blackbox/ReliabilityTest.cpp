@@ -443,11 +443,16 @@ TEST_F(Reliability, UnloadWithFilesOpenAndLoadAgain) {
             reinterpret_cast<void*>(::GetProcAddress(module, "FileFlushApply")));
         ASSERT_TRUE(create != nullptr && write != nullptr && flush != nullptr);
         const std::wstring path = dir / (L"unload" + std::to_wstring(round) + L".bin");
-        void* h = create(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE);
+        void* h = create(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0); // shared with nobody
         ASSERT_NE(h, nullptr);
         EXPECT_EQ(write(h, 1234 + round), 4);
         flush(h);
-        EXPECT_TRUE(::FreeLibrary(module)); // the file stays open
+        EXPECT_TRUE(::FreeLibrary(module));
+        // The unloaded library closed the file it left open: nobody holds it any more.
+        HANDLE again =
+            ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        EXPECT_NE(again, INVALID_HANDLE_VALUE);
+        ::CloseHandle(again);
         EXPECT_EQ(ReadFileBytes(path), IntBytes({1234 + round}));
     }
 }
