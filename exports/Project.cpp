@@ -111,13 +111,7 @@ void* OpenFile(const std::wstring& path, const unsigned long access, const unsig
             file->SetAccess(access);
         if (share != 0xFFFFFFFFul)
             file->SetShare(share);
-    }
-    {
-        Guard guard(file->Lock());
-        if (file->Handle() != nullptr)
-            file->_Close(file->Handle());
-        file->SetHandle(nullptr);
-        file->SetHandle(file->_Create(path, disposition));
+        file->SetHandle(file->_Create(path, disposition)); // a new object holds no handle yet
     }
     if (file->Handle() == nullptr)
         return nullptr; // the system failed without a last error; nothing to register

@@ -116,6 +116,26 @@ unsigned __int64 ReadArray(const Site& site, void* const handle, T* array, const
            sizeof(T);
 }
 
+// The operations on the path of an open file, shared by the 8-bit and wide exports.
+int CopyOnFile(void* const handle, const std::wstring& to) {
+    return WithFile(handle, [&](FileHdd& file, void*) { return file.Copy(to); }) ? 1 : 0;
+}
+
+int MoveOnFile(void* const handle, const std::wstring& to) {
+    return WithFile(handle, [&](FileHdd& file, void*) { return file.Move(to); }) ? 1 : 0;
+}
+
+void HardLinkOnFile(void* const handle, const std::wstring& link) {
+    WithFile(handle, [&](FileHdd& file, void*) { file.HardLink(link); });
+}
+
+int SymbolicLinkOnFile(void* const handle, const std::wstring& link) {
+    return WithFile(handle,
+                    [&](FileHdd& file, void*) { return Utils::MainFile::SymbolicLink(link, file.Path()); })
+               ? 1
+               : 0;
+}
+
 // The registry entry goes before the system handle is closed: once closed, the system may hand
 // the same value to a file that another thread opens, and that file's entry must find the key free.
 void CloseByHandle(void* const handle) {
@@ -261,19 +281,13 @@ TOVARIN_EXPORT void __cdecl FileCloseHandle(void* const handle) {
 }
 
 TOVARIN_EXPORT int __cdecl FileCopyByHandleA(void* const handle, const char* path) {
-    const Site site = TOVARIN_SITE("int __cdecl FileCopyByHandleA(void *const ,const char *)");
-    return Call<int>(site, 0, [&] {
-        const std::wstring target = WideA(path);
-        return WithFile(handle, [&](FileHdd& file, void*) { return file.Copy(target); }) ? 1 : 0;
-    });
+    return Call<int>(TOVARIN_SITE("int __cdecl FileCopyByHandleA(void *const ,const char *)"), 0,
+                     [&] { return CopyOnFile(handle, WideA(path)); });
 }
 
 TOVARIN_EXPORT int __cdecl FileCopyByHandleW(void* const handle, const wchar_t* path) {
-    const Site site = TOVARIN_SITE("int __cdecl FileCopyByHandleW(void *const ,const wchar_t *)");
-    return Call<int>(site, 0, [&] {
-        const std::wstring target = WideW(path);
-        return WithFile(handle, [&](FileHdd& file, void*) { return file.Copy(target); }) ? 1 : 0;
-    });
+    return Call<int>(TOVARIN_SITE("int __cdecl FileCopyByHandleW(void *const ,const wchar_t *)"), 0,
+                     [&] { return CopyOnFile(handle, WideW(path)); });
 }
 
 TOVARIN_EXPORT void __cdecl FileDeleteByHandle(void* const handle) {
@@ -298,35 +312,23 @@ TOVARIN_EXPORT unsigned __int64 __cdecl FileGetSize(void* const handle) {
 }
 
 TOVARIN_EXPORT void __cdecl FileHardLinkByHandleA(void* const handle, const char* path) {
-    const Site site = TOVARIN_SITE("void __cdecl FileHardLinkByHandleA(void *const ,const char *)");
-    Call(site, [&] {
-        const std::wstring target = WideA(path);
-        WithFile(handle, [&](FileHdd& file, void*) { file.HardLink(target); });
-    });
+    Call(TOVARIN_SITE("void __cdecl FileHardLinkByHandleA(void *const ,const char *)"),
+         [&] { HardLinkOnFile(handle, WideA(path)); });
 }
 
 TOVARIN_EXPORT void __cdecl FileHardLinkByHandleW(void* const handle, const wchar_t* path) {
-    const Site site = TOVARIN_SITE("void __cdecl FileHardLinkByHandleW(void *const ,const wchar_t *)");
-    Call(site, [&] {
-        const std::wstring target = WideW(path);
-        WithFile(handle, [&](FileHdd& file, void*) { file.HardLink(target); });
-    });
+    Call(TOVARIN_SITE("void __cdecl FileHardLinkByHandleW(void *const ,const wchar_t *)"),
+         [&] { HardLinkOnFile(handle, WideW(path)); });
 }
 
 TOVARIN_EXPORT int __cdecl FileMoveByHandleA(void* const handle, const char* path) {
-    const Site site = TOVARIN_SITE("int __cdecl FileMoveByHandleA(void *const ,const char *)");
-    return Call<int>(site, 0, [&] {
-        const std::wstring target = WideA(path);
-        return WithFile(handle, [&](FileHdd& file, void*) { return file.Move(target); }) ? 1 : 0;
-    });
+    return Call<int>(TOVARIN_SITE("int __cdecl FileMoveByHandleA(void *const ,const char *)"), 0,
+                     [&] { return MoveOnFile(handle, WideA(path)); });
 }
 
 TOVARIN_EXPORT int __cdecl FileMoveByHandleW(void* const handle, const wchar_t* path) {
-    const Site site = TOVARIN_SITE("int __cdecl FileMoveByHandleW(void *const ,const wchar_t *)");
-    return Call<int>(site, 0, [&] {
-        const std::wstring target = WideW(path);
-        return WithFile(handle, [&](FileHdd& file, void*) { return file.Move(target); }) ? 1 : 0;
-    });
+    return Call<int>(TOVARIN_SITE("int __cdecl FileMoveByHandleW(void *const ,const wchar_t *)"), 0,
+                     [&] { return MoveOnFile(handle, WideW(path)); });
 }
 
 TOVARIN_EXPORT void __cdecl FileResize(void* const handle, const unsigned __int64 size) {
@@ -335,25 +337,13 @@ TOVARIN_EXPORT void __cdecl FileResize(void* const handle, const unsigned __int6
 }
 
 TOVARIN_EXPORT int __cdecl FileSymbolicLinkByHandleA(void* const handle, const char* path) {
-    const Site site = TOVARIN_SITE("int __cdecl FileSymbolicLinkByHandleA(void *const ,const char *)");
-    return Call<int>(site, 0, [&] {
-        const std::wstring link = WideA(path);
-        return WithFile(handle, [&](FileHdd& file,
-                                    void*) { return Utils::MainFile::SymbolicLink(link, file.Path()); })
-                   ? 1
-                   : 0;
-    });
+    return Call<int>(TOVARIN_SITE("int __cdecl FileSymbolicLinkByHandleA(void *const ,const char *)"), 0,
+                     [&] { return SymbolicLinkOnFile(handle, WideA(path)); });
 }
 
 TOVARIN_EXPORT int __cdecl FileSymbolicLinkByHandleW(void* const handle, const wchar_t* path) {
-    const Site site = TOVARIN_SITE("int __cdecl FileSymbolicLinkByHandleW(void *const ,const wchar_t *)");
-    return Call<int>(site, 0, [&] {
-        const std::wstring link = WideW(path);
-        return WithFile(handle, [&](FileHdd& file,
-                                    void*) { return Utils::MainFile::SymbolicLink(link, file.Path()); })
-                   ? 1
-                   : 0;
-    });
+    return Call<int>(TOVARIN_SITE("int __cdecl FileSymbolicLinkByHandleW(void *const ,const wchar_t *)"), 0,
+                     [&] { return SymbolicLinkOnFile(handle, WideW(path)); });
 }
 
 TOVARIN_OPEN(FileCreateAlwaysA, char, WideA, CREATE_ALWAYS,

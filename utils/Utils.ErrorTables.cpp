@@ -520,7 +520,8 @@ const Entry* Find(const Table& table, const long code) {
 }
 
 // The 8-bit copy of a table's blocks, index by index; the success block comes last.
-const std::vector<std::string>& Narrow(const Table& table, std::vector<std::string>& copy) {
+std::vector<std::string> Narrow(const Table& table) {
+    std::vector<std::string> copy;
     copy.reserve(table.count + 1);
     for (size_t i = 0; i < table.count; ++i)
         copy.push_back(CodingStr::UnicodeToAnsi(Block(table, table.entries[i]), 1251));
@@ -528,20 +529,10 @@ const std::vector<std::string>& Narrow(const Table& table, std::vector<std::stri
     return copy;
 }
 
-std::string NarrowBlock(const Table& table, const std::vector<std::string>& copy, const Entry& entry) {
+// An entry's block from the table's 8-bit copy, which the first call makes.
+template <const Table& table> std::string NarrowBlock(const Entry& entry) {
+    static const std::vector<std::string> copy = Narrow(table);
     return &entry == &kSuccess ? copy.back() : copy[static_cast<size_t>(&entry - table.entries)];
-}
-
-const std::vector<std::string>& NarrowInternet() {
-    static std::vector<std::string> copy;
-    static const std::vector<std::string>& made = Narrow(kInternetTable, copy);
-    return made;
-}
-
-const std::vector<std::string>& NarrowDialog() {
-    static std::vector<std::string> copy;
-    static const std::vector<std::string>& made = Narrow(kDialogTable, copy);
-    return made;
 }
 
 const long kServerResponse = 12003;
@@ -591,7 +582,7 @@ std::string InternetA(const long code) {
                    kInternetASite, L"Utils::Error::InternetA") +
                "\r\n\r\n";
     const Entry* entry = Find(kInternetTable, code);
-    return entry != nullptr ? NarrowBlock(kInternetTable, NarrowInternet(), *entry)
+    return entry != nullptr ? NarrowBlock<kInternetTable>(*entry)
                             : SystemDescriptionA(static_cast<unsigned long>(code));
 }
 
@@ -644,7 +635,7 @@ std::wstring CommonDialogDescriptionW(unsigned long code) {
 std::string CommonDialogDescriptionA(unsigned long code) {
     using namespace Utils::Error;
     const Entry* entry = Find(kDialogTable, static_cast<long>(code));
-    return entry != nullptr ? NarrowBlock(kDialogTable, NarrowDialog(), *entry) : SystemDescriptionA(code);
+    return entry != nullptr ? NarrowBlock<kDialogTable>(*entry) : SystemDescriptionA(code);
 }
 
 std::wstring ShellOperationDescriptionW(int code) {
