@@ -90,14 +90,22 @@ const wchar_t kTooLarge[] = L"Размер передаваемых данных
 
 // Typed arrays: the slice is checked before the handle is looked up; the where-text is built only
 // when the check fails.
+// The number of elements of the slice, after the checks that every array transfer makes first.
 template <class T>
-unsigned __int64 WriteArray(const Site& site, void* const handle, const T* array, const unsigned __int64 size,
-                            const unsigned __int64 start, const unsigned __int64 count) {
+unsigned __int64 CheckedSlice(const Site& site, const T* array, const unsigned __int64 size,
+                              const unsigned __int64 start, const unsigned __int64 count) {
     const unsigned __int64 n = Utils::Checking::CountDirect(site, size, start, count);
     if (array == nullptr)
         Utils::Error::ThrowAt(site, "[f]", kNoArray, false, 0);
     if (n > kAllBits / sizeof(T))
         Utils::Error::ThrowAt(site, "[f]", kTooLarge, false, 0);
+    return n;
+}
+
+template <class T>
+unsigned __int64 WriteArray(const Site& site, void* const handle, const T* array, const unsigned __int64 size,
+                            const unsigned __int64 start, const unsigned __int64 count) {
+    const unsigned __int64 n = CheckedSlice(site, array, size, start, count);
     return WithFile(handle,
                     [&](FileHdd& file, void* h) { return file.WriteHeld(h, array + start, n * sizeof(T)); }) /
            sizeof(T);
@@ -106,11 +114,7 @@ unsigned __int64 WriteArray(const Site& site, void* const handle, const T* array
 template <class T>
 unsigned __int64 ReadArray(const Site& site, void* const handle, T* array, const unsigned __int64 size,
                            const unsigned __int64 start, const unsigned __int64 count) {
-    const unsigned __int64 n = Utils::Checking::CountDirect(site, size, start, count);
-    if (array == nullptr)
-        Utils::Error::ThrowAt(site, "[f]", kNoArray, false, 0);
-    if (n > kAllBits / sizeof(T))
-        Utils::Error::ThrowAt(site, "[f]", kTooLarge, false, 0);
+    const unsigned __int64 n = CheckedSlice<T>(site, array, size, start, count);
     return WithFile(handle,
                     [&](FileHdd& file, void* h) { return file.ReadHeld(h, array + start, n * sizeof(T)); }) /
            sizeof(T);
