@@ -8,16 +8,35 @@
 
 namespace TestSupport {
 
+// The folder of the running executable, with a trailing backslash.
+inline std::wstring ExecutableFolder() {
+    wchar_t self[MAX_PATH] = {};
+    ::GetModuleFileNameW(nullptr, self, MAX_PATH);
+    const std::wstring path = self;
+    return path.substr(0, path.find_last_of(L'\\') + 1);
+}
+
+template <class F> struct Missing;
+// Stands in for an export the DLL lacks: the test has already failed, the call gives R().
+template <class R, class... A> struct Missing<R(__cdecl*)(A...)> {
+    static R __cdecl Call(A...) { return R(); }
+};
+
 class TovarinDll {
 public:
-    static HMODULE Module();
-
-    // The export `name` as a function pointer of type F (fails the test when it is missing).
+    static HMODULE Module() {
+        static HMODULE module = ::LoadLibraryW((ExecutableFolder() + L"Tovarin.dll").c_str());
+        return module;
+    }
+    // The export `name` as a function of type F; a missing export fails the test.
     template <class F> static F Get(const char* name) {
         FARPROC proc = ::GetProcAddress(Module(), name);
         EXPECT_NE(proc, nullptr) << name;
-        return reinterpret_cast<F>(reinterpret_cast<void*>(proc));
+        return proc != nullptr ? reinterpret_cast<F>(reinterpret_cast<void*>(proc)) : &Missing<F>::Call;
     }
 };
 
 } // namespace TestSupport
+
+// The export `name` typed by its declaration in include/Tovarin.h.
+#define TOVARIN_FN(name) ::TestSupport::TovarinDll::Get<decltype(&::name)>(#name)

@@ -1,0 +1,271 @@
+// Values through open files: scalars by type and bytes, array slices by type, texts and their
+// trims, string arrays and host records in all four forms, short reads, 8-bit arguments.
+#include "support/Exports.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <limits>
+
+using namespace TestSupport;
+
+namespace {
+
+class Data : public testing::Test {
+public:
+    void SetUp() override {
+        h = TOVARIN_FN(FileCreateAlwaysW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
+        ASSERT_NE(h, nullptr);
+    }
+    void TearDown() override { TOVARIN_FN(FileCloseHandle)(h); }
+    std::string Bytes() {
+        TOVARIN_FN(FileFlushApply)(h);
+        return ReadFileBytes(path);
+    }
+    void Rewind() { EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(h, 0), 0); }
+    void Reset() { TOVARIN_FN(FileClear)(h); }
+    TempDir dir;
+    const std::wstring path = dir / L"data.bin";
+    BoxRecorder boxes;
+    void* h = nullptr;
+};
+
+// Writes `value`, expects exactly `bytes` in the file, reads it back.
+template <class T>
+void Scalar(Data& d, int (*write)(void* const, const T), T (*read)(void* const), T value,
+            const std::string& bytes) {
+    void* h = d.h;
+    SCOPED_TRACE(bytes.size());
+    TOVARIN_FN(FileClear)(h);
+    EXPECT_EQ(write(h, value), static_cast<int>(bytes.size()));
+    EXPECT_EQ(d.Bytes(), bytes);
+    TOVARIN_FN(FileSetPointerBegin)(h, 0);
+    const T back = read(h);
+    EXPECT_EQ(std::memcmp(&back, &value, sizeof(T)), 0);
+}
+
+TEST_F(Data, ScalarsAreTheirLittleEndianBytes) {
+    Scalar<bool>(*this, TOVARIN_FN(FileWriteBoolean), TOVARIN_FN(FileReadBoolean), true, "\x01");
+    Scalar<char>(*this, TOVARIN_FN(FileWriteChar), TOVARIN_FN(FileReadChar), -128, "\x80");
+    Scalar<unsigned char>(*this, TOVARIN_FN(FileWriteUChar), TOVARIN_FN(FileReadUChar), 0xFE, "\xFE");
+    Scalar<short>(*this, TOVARIN_FN(FileWriteShort), TOVARIN_FN(FileReadShort), -2, "\xFE\xFF");
+    Scalar<unsigned short>(*this, TOVARIN_FN(FileWriteUShort), TOVARIN_FN(FileReadUShort), 0xFEDC,
+                           "\xDC\xFE");
+    Scalar<int>(*this, TOVARIN_FN(FileWriteInt), TOVARIN_FN(FileReadInt), 1, std::string("\x01\0\0\0", 4));
+    Scalar<unsigned int>(*this, TOVARIN_FN(FileWriteUInt), TOVARIN_FN(FileReadUInt), 0xDEADBEEF,
+                         "\xEF\xBE\xAD\xDE");
+    Scalar<__int64>(*this, TOVARIN_FN(FileWriteInt64), TOVARIN_FN(FileReadInt64),
+                    std::numeric_limits<__int64>::min(), std::string("\0\0\0\0\0\0\0\x80", 8));
+    Scalar<u64>(*this, TOVARIN_FN(FileWriteUInt64), TOVARIN_FN(FileReadUInt64), 0x0102030405060708ull,
+                "\x08\x07\x06\x05\x04\x03\x02\x01");
+    Scalar<float>(*this, TOVARIN_FN(FileWriteFlt), TOVARIN_FN(FileReadFlt), -2.0f,
+                  std::string("\0\0\0\xC0", 4));
+    Scalar<double>(*this, TOVARIN_FN(FileWriteDbl), TOVARIN_FN(FileReadDbl), 1.0,
+                   std::string("\0\0\0\0\0\0\xF0\x3F", 8));
+    ExpectNoBox(boxes);
+}
+
+// A short scalar read returns 0 with the short-read text; a short array read keeps what arrived.
+TEST_F(Data, ShortReadsKeepTheBytesThatArrived) {
+    EXPECT_EQ(TOVARIN_FN(FileReadInt)(h), 0);
+    const std::vector<Box> shown = boxes.Boxes();
+    boxes.Clear();
+    ASSERT_EQ(shown.size(), 1u);
+    const std::vector<int> lines = LinesOf(shown[0].text);
+    ASSERT_EQ(lines.size(), 2u);
+    wchar_t system[512] = {}; // the read at the end succeeds, so the last error is 0
+    ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, 0, 0, system, 512, nullptr);
+    EXPECT_EQ(shown[0].text, Heading("FileReadInt") + std::to_wstring(lines[0]) +
+                                 L"\r\n\nОшибка в функции \"unsigned __int64 __cdecl "
+                                 L"Utils::FileHdd::_Read(void *const ,void *,const "
+                                 L"unsigned __int64)\"!\r\nFile: \"Utils.FileHdd.cpp\"\r\nLine: " +
+                                 std::to_wstring(lines[1]) + L"\r\n\nLast Error: 0.\n" + system +
+                                 L"\nНа итерации 0 не прочитаны данные из файла:\n\"" + path +
+                                 L"\"\nФайловый указатель: 0\nЗапрошено: 4\nПрочитано: 0\n\n");
+    TOVARIN_FN(FileWriteShort)(h, 0x0102);
+    Rewind();
+    EXPECT_EQ(TOVARIN_FN(FileReadInt)(h), 0); // the neutral result, not the two bytes
+    ExpectOneBox(boxes, "FileReadInt", {L"Запрошено: 4\nПрочитано: 2"});
+    // 4 doubles 12 bytes before the end: the 12 bytes stay in the array.
+    Reset();
+    const int ints[3] = {7, 8, 9};
+    TOVARIN_FN(FileWriteIntArray)(h, const_cast<int*>(ints), 3, 0, 3);
+    Rewind();
+    double doubles[4] = {-1, -1, -1, -1};
+    EXPECT_EQ(TOVARIN_FN(FileReadDoubleArray)(h, doubles, 4, 0, 4), TOVARIN_FAILED_COUNT);
+    ExpectOneBox(boxes, "FileReadDoubleArray", {L"Запрошено: 32\nПрочитано: 12"});
+    EXPECT_EQ(std::memcmp(doubles, ints, 12), 0);
+    EXPECT_EQ(doubles[2], -1.0);
+}
+
+// Every typed array: elements 1.. of a 3-element array (count to the end) go out and come back.
+template <class T>
+void ArrayRoundTrip(Data& d, void* h, u64 (*write)(void* const, T* const, const u64, const u64, u64),
+                    u64 (*read)(void* const, std::remove_const_t<T>*, const u64, const u64, u64)) {
+    typedef std::remove_const_t<T> E;
+    E values[3];
+    std::memset(values, 0, sizeof(values));
+    std::memset(&values[1], 0x11, sizeof(E));
+    std::memset(&values[2], 0x01, sizeof(E));
+    TOVARIN_FN(FileClear)(h);
+    EXPECT_EQ(write(h, values, 3, 1, TOVARIN_TO_END), 2u);
+    const std::string bytes = d.Bytes();
+    EXPECT_EQ(bytes, std::string(reinterpret_cast<const char*>(&values[1]), 2 * sizeof(E)));
+    E back[3];
+    std::memset(back, 0x7F, sizeof(back));
+    TOVARIN_FN(FileSetPointerBegin)(h, 0);
+    EXPECT_EQ(read(h, back, 3, 1, 5), 2u); // a count past the end is clipped
+    EXPECT_EQ(std::memcmp(&back[1], &values[1], 2 * sizeof(E)), 0);
+    E untouched;
+    std::memset(&untouched, 0x7F, sizeof(E));
+    EXPECT_EQ(std::memcmp(&back[0], &untouched, sizeof(E)), 0);
+}
+
+TEST_F(Data, EveryTypedArrayMovesItsSliceElementByElement) {
+#define TOVARIN_ARRAYS(Name)                                                                                 \
+    ArrayRoundTrip(*this, h, TOVARIN_FN(FileWrite##Name##Array), TOVARIN_FN(FileRead##Name##Array))
+    TOVARIN_ARRAYS(Bool);
+    TOVARIN_ARRAYS(Char);
+    TOVARIN_ARRAYS(UChar);
+    TOVARIN_ARRAYS(Short);
+    TOVARIN_ARRAYS(UShort);
+    TOVARIN_ARRAYS(Int);
+    TOVARIN_ARRAYS(UInt);
+    TOVARIN_ARRAYS(Long);
+    TOVARIN_ARRAYS(ULong);
+    TOVARIN_ARRAYS(Float);
+    TOVARIN_ARRAYS(Double);
+#undef TOVARIN_ARRAYS
+    ExpectNoBox(boxes);
+}
+
+TEST_F(Data, SlicesAreClippedOrRefusedBeforeAnyTransfer) {
+    int values[10] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+    struct Case {
+        u64 size, start, count, result;
+        const wchar_t* message; // null: accepted
+    };
+    const Case cases[] = {
+        {10, 0, TOVARIN_TO_END, 10, nullptr},
+        {10, 8, 5, 2, nullptr},
+        {10, 3, 2, 2, nullptr},
+        {10, 9, ~0ull - 3, 1, nullptr}, // start + count overflows
+        {10, 10, 1, TOVARIN_FAILED_COUNT,
+         L"Номер стартового элемента больше или равен количеству всех элементов."},
+        {0, 0, 1, TOVARIN_FAILED_COUNT, L"Количество всех элементов равно нулю."},
+        {10, 0, 0, TOVARIN_FAILED_COUNT, L"\r\nОтсутствует количество элементов."},
+    };
+    std::string expected;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.start) + " " + std::to_string(c.count));
+        EXPECT_EQ(TOVARIN_FN(FileWriteIntArray)(h, values, c.size, c.start, c.count), c.result);
+        if (c.message == nullptr) {
+            expected.append(reinterpret_cast<const char*>(values + c.start), c.result * 4);
+            ExpectNoBox(boxes);
+        } else {
+            ExpectOneBox(boxes, "FileWriteIntArray",
+                         {c.message,
+                          c.count == 0 ? L"" : L"Количество всех элементов: " + std::to_wstring(c.size),
+                          c.count == 0 ? L"" : L"Стартовый элемент: " + std::to_wstring(c.start)});
+        }
+    }
+    EXPECT_EQ(Bytes(), expected);
+}
+
+TEST_F(Data, TextsAreRawAndReadsTrimTheEnd) {
+    EXPECT_EQ(TOVARIN_FN(FileWriteStringW)(h, L"ab"), 4);
+    EXPECT_EQ(TOVARIN_FN(FileWriteStringW)(h, L"  \n\0"), 6);
+    EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, "x\ty \t\r"), 6);
+    EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, ""), 0);
+    EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, nullptr), 0); // a null text to write is empty
+    EXPECT_EQ(TOVARIN_FN(FileWriteStringW)(h, nullptr), 0);
+    EXPECT_EQ(Bytes(), std::string("a\0b\0 \0 \0\n\0x\ty \t\r", 16));
+    Rewind();
+    wchar_t* first = TOVARIN_FN(FileReadStringW)(h, 5);
+    ASSERT_NE(first, nullptr);
+    EXPECT_STREQ(first, L"ab");
+    EXPECT_STREQ(TOVARIN_FN(FileReadStringA)(h, 6), "x\ty");
+    Rewind();
+    EXPECT_STREQ(TOVARIN_FN(FileReadStringW)(h, 1), L"a");
+    EXPECT_STREQ(first, L"a"); // one buffer, the last text
+    EXPECT_STREQ(TOVARIN_FN(FileReadStringW)(h, 0), L"");
+    TOVARIN_FN(FileSetPointerBegin)(h, 4);
+    EXPECT_STREQ(TOVARIN_FN(FileReadStringW)(h, 3), L"");
+    ExpectNoBox(boxes);
+}
+
+TEST_F(Data, StringArraysInAllFourForms) {
+    const wchar_t* wide[] = {L"a", L"", L"bc"};
+    EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayW)(h, wide, 3, 1, TOVARIN_TO_END), 2u);
+    const char* narrow[] = {"x", "yz"};
+    EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayA)(h, narrow, 2, 0, 1), 1u);
+    wchar_t recordW[5] = {L'p', L'q', L' ', L'\t', 0};
+    char recordA[4] = {'r', ' ', '\n', 0};
+    TovarinMqlStrW recordsW[2] = {{5, recordW}, {64, nullptr}}; // no buffer: an empty line
+    TovarinMqlStrA recordsA[1] = {{4, recordA}};
+    EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayMW)(h, recordsW, 2, 0, 2), 2u);
+    EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayMA)(h, recordsA, 1, 0, 1), 1u);
+    EXPECT_EQ(Bytes(), std::string("\r\0\n\0b\0c\0\r\0\n\0x\r\np\0q\0\r\0\n\0\r\0\n\0r\r\n", 30));
+    // Readers: the pointer form needs zero-filled buffers; records are cut and terminated.
+    Reset();
+    const wchar_t* lines[] = {L"one", L"two", L"three"};
+    TOVARIN_FN(FileWriteStrArrayW)(h, lines, 3, 0, 3);
+    Rewind();
+    wchar_t buffers[2][8] = {};
+    wchar_t* targets[2] = {buffers[0], buffers[1]};
+    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayW)(h, targets, 2, 8, 0, 2), 2u);
+    EXPECT_STREQ(buffers[0], L"one");
+    EXPECT_STREQ(buffers[1], L"two");
+    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 34); // the rest of the file is consumed
+    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayW)(h, targets, 2, 8, 0, 2), 0u);
+    Rewind();
+    wchar_t small[3] = {L'?', L'?', L'?'};
+    TovarinMqlStrW into[2] = {{3, small}, {3, small}};
+    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMW)(h, into, 2, 1, 1), 1u);
+    EXPECT_STREQ(small, L"on");
+    Reset();
+    const char* eight[] = {"ab", "cdef"};
+    TOVARIN_FN(FileWriteStrArrayA)(h, eight, 2, 0, 2);
+    Rewind();
+    char a[2][8] = {};
+    char* aTargets[2] = {a[0], a[1]};
+    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayA)(h, aTargets, 2, 8, 0, 2), 2u);
+    EXPECT_STREQ(a[1], "cdef");
+    Rewind();
+    char cut[3] = {'?', '?', '?'};
+    TovarinMqlStrA intoA[1] = {{3, cut}};
+    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMA)(h, intoA, 1, 0, 1), 1u);
+    EXPECT_STREQ(cut, "ab");
+    ExpectNoBox(boxes);
+}
+
+// 8-bit paths are read in the system code page; 8-bit texts go to the file unconverted.
+TEST_F(Data, EightBitArgumentsUseTheSystemCodePage) {
+    std::wstring name;
+    std::string narrow;
+    for (wchar_t c : {L'\u00E9', L'\u0416', L'\u00C4', L'\u0101'}) {
+        char byte[4] = {};
+        BOOL lossy = FALSE;
+        if (::WideCharToMultiByte(CP_ACP, 0, &c, 1, byte, 4, nullptr, &lossy) == 1 && !lossy &&
+            static_cast<unsigned char>(byte[0]) >= 0x80) {
+            name = std::wstring(L"k") + c + L".bin";
+            narrow = std::string("k") + byte[0] + ".bin";
+            break;
+        }
+    }
+    if (name.empty())
+        GTEST_SKIP() << "the system code page has no 8-bit letter to test with";
+    const std::string folder = Narrow(dir.Path()); // ASCII
+    void* file =
+        TOVARIN_FN(FileCreateAlwaysA)((folder + "\\" + narrow).c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(file, narrow.c_str()), static_cast<int>(narrow.size()));
+    TOVARIN_FN(FileCloseHandle)(file);
+    EXPECT_EQ(ReadFileBytes(dir / name), narrow);
+    EXPECT_EQ(TOVARIN_FN(FileCheckA)((folder + "\\" + narrow).c_str()), 1);
+    EXPECT_EQ(TOVARIN_FN(FileCopyA)((folder + "\\" + narrow).c_str(), (folder + "\\c" + narrow).c_str()), 1);
+    EXPECT_EQ(ReadFileBytes(dir / (L"c" + name)), narrow);
+    ExpectNoBox(boxes);
+}
+
+} // namespace

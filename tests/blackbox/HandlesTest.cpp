@@ -1,0 +1,175 @@
+// The handle exports: every one refuses an unknown and a closed handle, looks the handle up before
+// it looks at a count of 0; open and create by disposition; position, size, clear and resize.
+#include "support/Exports.h"
+
+#include <winioctl.h>
+
+#include <gtest/gtest.h>
+
+using namespace TestSupport;
+
+namespace {
+
+const std::wstring kUnknown = L"Неверный системный дескриптор файла.";
+
+class Handles : public testing::Test {
+protected:
+    void* Create(const std::wstring& name, unsigned long share = TOVARIN_DEFAULT) {
+        void* handle = TOVARIN_FN(FileCreateAlwaysW)((dir / name).c_str(), TOVARIN_DEFAULT, share);
+        EXPECT_NE(handle, nullptr);
+        return handle;
+    }
+    TempDir dir;
+    BoxRecorder boxes;
+    decltype(&::FileCloseHandle) close = TOVARIN_FN(FileCloseHandle);
+};
+
+TEST_F(Handles, EveryHandleExportRefusesUnknownAndClosedHandles) {
+    void* open = Create(L"open.bin"); // the registry is not empty
+    void* closed = Create(L"closed.bin");
+    close(closed);
+    const std::string pathA = Narrow(dir / L"target.bin");
+    const std::wstring pathW = dir / L"target.bin";
+    alignas(8) char buffer[256] = {};
+    for (const ExportRow& row : Exports()) {
+        if (!row.byHandle)
+            continue;
+        for (void* handle : {reinterpret_cast<void*>(0x1234), closed}) {
+            SCOPED_TRACE(std::string(row.name) + (handle == closed ? " closed" : " unknown"));
+            CallArgs args{handle, buffer, {pathA.c_str()}, {pathW.c_str()}, {1, 1, 0, 1}};
+            EXPECT_EQ(row.Call(args), row.neutral);
+            ExpectOneBox(boxes, row.name, {L"Project::PtrCFile", kUnknown});
+        }
+    }
+    close(open);
+    EXPECT_FALSE(FileExists(pathW));
+}
+
+// Counts and sizes of 0 come after the lookup: an unknown handle is refused whatever the count; a
+// known one reads an empty text, moves no bytes, or refuses the empty slice.
+TEST_F(Handles, TheLookupComesBeforeACountOfZero) {
+    void* open = Create(L"open.bin");
+    alignas(8) char buffer[256] = {};
+    for (const ExportRow& row : Exports()) {
+        const std::string name = row.name;
+        const bool text = name.rfind("FileReadString", 0) == 0, raw = name.find("Void") != std::string::npos;
+        if (!text && !raw && name.find("Array") == std::string::npos)
+            continue;
+        SCOPED_TRACE(name);
+        CallArgs args{reinterpret_cast<void*>(0x1234), buffer, {}, {}, {10, 8, 0, 0}};
+        EXPECT_EQ(row.Call(args), row.neutral);
+        ExpectOneBox(boxes, name, {kUnknown});
+        args.handle = open;
+        const u64 result = row.Call(args);
+        if (text) {
+            ASSERT_NE(result, 0u);
+            EXPECT_EQ(*reinterpret_cast<const char*>(result), 0);
+            ExpectNoBox(boxes);
+        } else if (raw) {
+            EXPECT_EQ(result, 0u);
+            ExpectNoBox(boxes);
+        } else {
+            EXPECT_EQ(result, row.neutral);
+            ExpectOneBox(boxes, name, {L"\r\nОтсутствует количество элементов."});
+        }
+    }
+    close(open);
+}
+
+TEST_F(Handles, OpenAndCreateByDisposition) {
+    struct Case {
+        const char* name;
+        bool exists;
+        u64 size; // ~0: refused
+        const wchar_t* disposition;
+    };
+    const Case cases[] = {
+        {"FileCreateNewW", false, 0, nullptr},
+        {"FileCreateNewW", true, ~0ull, L"CREATE_NEW"},
+        {"FileCreateAlwaysW", false, 0, nullptr},
+        {"FileCreateAlwaysW", true, 0, nullptr},
+        {"FileOpenExistingW", false, ~0ull, L"OPEN_EXISTING"},
+        {"FileOpenExistingW", true, 4, nullptr},
+        {"FileOpenAlwaysW", false, 0, nullptr},
+        {"FileOpenAlwaysW", true, 4, nullptr},
+        {"FileOpenTruncateW", false, ~0ull, L"TRUNCATE_EXISTING"},
+        {"FileOpenTruncateW", true, 0, nullptr},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.name) + (c.exists ? " existing" : " missing"));
+        const std::wstring path = dir / L"sub\\d.bin";
+        ::DeleteFileW(path.c_str());
+        if (c.exists) {
+            ASSERT_TRUE(WriteFileBytes(dir / L"sub\\d.bin", "1234"));
+        }
+        CallArgs args{nullptr, nullptr, {}, {path.c_str()}, {0, 0, TOVARIN_DEFAULT, TOVARIN_DEFAULT}};
+        void* handle = reinterpret_cast<void*>(ExportOf(c.name).Call(args));
+        if (c.disposition != nullptr) {
+            EXPECT_EQ(handle, nullptr);
+            ExpectOneBox(boxes, c.name, {std::wstring(L"Выполняемые действия с файлом: ") + c.disposition});
+            continue;
+        }
+        ASSERT_NE(handle, nullptr);
+        EXPECT_EQ(TOVARIN_FN(FileGetSize)(handle), c.size);
+        EXPECT_EQ(TOVARIN_FN(FileGetPointer)(handle), 0);
+        close(handle);
+        ExpectNoBox(boxes);
+    }
+    // Access and share as given: a file opened for reading only refuses writes.
+    void* readOnly = TOVARIN_FN(FileOpenExistingW)((dir / L"sub\\d.bin").c_str(), TOVARIN_GENERIC_READ,
+                                                   TOVARIN_SHARE_READ);
+    ASSERT_NE(readOnly, nullptr);
+    EXPECT_EQ(TOVARIN_FN(FileWriteInt)(readOnly, 8), -1);
+    ExpectOneBox(boxes, "FileWriteInt", {L"не записаны данные в файл:"});
+    close(readOnly);
+}
+
+TEST_F(Handles, PositionSizeClearAndResize) {
+    void* h = Create(L"pos.bin");
+    EXPECT_EQ(TOVARIN_FN(FileWriteVoid)(h, "0123456789", 10), 10u);
+    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 10u);
+    EXPECT_EQ(TOVARIN_FN(FileSetPointerEnd)(h, 0), 10);
+    EXPECT_EQ(TOVARIN_FN(FileSetPointerCurrent)(h, -3), 7);
+    EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(h, 2), 2);
+    char three[3] = {};
+    EXPECT_EQ(TOVARIN_FN(FileReadVoid)(h, three, 3), 3u);
+    EXPECT_EQ(std::string(three, 3), "234");
+    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 5);
+    TOVARIN_FN(FileResize)(h, 4);
+    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 4u);
+    TOVARIN_FN(FileFlushApply)(h);
+    EXPECT_EQ(ReadFileBytes(dir / L"pos.bin"), "0123");
+    TOVARIN_FN(FileSetPointerBegin)(h, 1);
+    TOVARIN_FN(FileClear)(h);
+    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 0u);
+    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 0);
+    ExpectNoBox(boxes);
+    EXPECT_EQ(TOVARIN_FN(FileSetPointerCurrent)(h, -1), -1); // before the start
+    ExpectOneBox(boxes, "FileSetPointerCurrent", {L"Не смещён файловый указатель в файле:"});
+    close(h);
+}
+
+// The size is the low 32 bits sign-extended, deliberately.
+TEST_F(Handles, GetSizeKeepsThirtyTwoBits) {
+    const std::wstring path = dir / L"big.bin";
+    HANDLE raw =
+        ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    ASSERT_NE(raw, INVALID_HANDLE_VALUE);
+    DWORD ignored = 0;
+    ::DeviceIoControl(raw, FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &ignored, nullptr);
+    LARGE_INTEGER size;
+    size.QuadPart = 3000000000ll;
+    const bool made = ::SetFilePointerEx(raw, size, nullptr, FILE_BEGIN) && ::SetEndOfFile(raw);
+    ::CloseHandle(raw);
+    if (!made)
+        GTEST_SKIP() << "this file system cannot make a 3,000,000,000-byte file";
+    void* h = TOVARIN_FN(FileOpenExistingW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
+    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 18446744072414584320ull);
+    TOVARIN_FN(FileResize)(h, 5000000000ull);
+    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 5000000000ull & 0xFFFFFFFFull);
+    TOVARIN_FN(FileResize)(h, 0);
+    close(h);
+    ExpectNoBox(boxes);
+}
+
+} // namespace
