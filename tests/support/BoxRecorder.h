@@ -1,15 +1,9 @@
 #pragma once
-// Records the message boxes this process shows, and closes each one.
-//
-// A watcher thread looks for dialog windows (class "#32770") of this process, reads their caption
-// and text, notes which icon the style chose, and presses OK. Every wait is bounded.
+// Records the message boxes that the calling thread shows, and closes each one as it opens.
 #include <windows.h>
 
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
-#include <atomic>
 
 namespace TestSupport {
 
@@ -21,45 +15,27 @@ struct Box {
     BoxIcon icon = BoxIcon::None;
 };
 
+// Hooks the calling thread's window messages: when a dialog window has taken its text, the box is
+// recorded and OK is posted to it, so the box closes at once. With `refuse`, boxes are not made at
+// all and only counted (for loops of many failing calls).
 class BoxRecorder {
 public:
-    BoxRecorder();
+    explicit BoxRecorder(bool refuse = false);
     ~BoxRecorder();
     BoxRecorder(const BoxRecorder&) = delete;
     BoxRecorder& operator=(const BoxRecorder&) = delete;
 
-    // Waits until `count` boxes have been recorded or `timeoutMs` passed; returns all recorded so far.
-    std::vector<Box> WaitFor(size_t count, DWORD timeoutMs = 10000);
-    // The boxes recorded so far, without waiting.
-    std::vector<Box> Boxes();
-    // Forgets the boxes recorded so far.
-    void Clear();
+    const std::vector<Box>& Boxes() const { return boxes_; }
+    size_t Refused() const { return refused_; }
+    void Clear() { boxes_.clear(); }
 
 private:
-    void Watch();
-    std::mutex mutex_;
-    std::vector<Box> boxes_;
-    std::vector<HWND> seen_;
-    std::atomic<bool> stop_{false};
-    std::thread thread_;
-};
-
-// Refuses every dialog box that the calling thread tries to create, and counts them: the box
-// function then returns at once. For loops of many failing calls, where showing and closing each
-// real box would cost tens of milliseconds. Only boxes of the thread that made it are refused.
-class BoxSuppressor {
-public:
-    BoxSuppressor();
-    ~BoxSuppressor();
-    BoxSuppressor(const BoxSuppressor&) = delete;
-    BoxSuppressor& operator=(const BoxSuppressor&) = delete;
-
-    size_t Count() const { return count_; }
-
-private:
-    static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK Shown(int code, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK Created(int code, WPARAM wParam, LPARAM lParam);
     HHOOK hook_;
-    size_t count_ = 0;
+    BoxRecorder* outer_;
+    std::vector<Box> boxes_;
+    size_t refused_ = 0;
 };
 
 } // namespace TestSupport

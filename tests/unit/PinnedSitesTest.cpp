@@ -114,7 +114,7 @@ TEST(PinnedSites, DescriberNoticeShowsItsFileAndLine) {
     TestSupport::BoxRecorder boxes;
     ::SetLastError(0x71);
     Utils::Error::DescriptionW<int>(0);
-    const std::vector<TestSupport::Box> shown = boxes.WaitFor(1, 5000);
+    const std::vector<TestSupport::Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 1u);
     EXPECT_NE(shown[0].text.find(L"File: \"Utils.Error.cpp\"\r\nLine: 522\r\n"), std::wstring::npos);
 }
