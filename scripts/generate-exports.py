@@ -1,14 +1,13 @@
 #!/usr/bin/env python3
 """The one list of Tovarin's 100 exports and the files made from it.
 
-Writes include/Tovarin.h (C prototypes), tests/support/ExportTable.h (the table that code and
-tests share), mql5/Include/Tovarin.mqh (the MQL5 imports) and the reference section of README.md
-(between its "exports:begin" and "exports:end" marks). The outputs are committed as
-plain sources: the build never runs this script. After editing the list:
+Writes exports/Tovarin.def (the DLL's export table), exports/ExportRows.h (each export's signature
+text and neutral result, which the exports' source uses), include/Tovarin.h (C prototypes),
+mql5/Include/Tovarin.mqh (the MQL5 imports) and the reference section of README.md (between its "exports:begin" and "exports:end" marks). The
+outputs are committed as plain sources; `make test` runs the check. After editing the list:
 
-    scripts/generate-exports.py            # rewrite the three files (C/C++ through clang-format)
+    scripts/generate-exports.py            # rewrite the files (C/C++ through clang-format)
     scripts/generate-exports.py --check    # fail when a committed file differs from the list
-    scripts/generate-exports.py --def      # print the EXPORTS section of a module-definition file
 """
 import argparse
 import os
@@ -398,144 +397,6 @@ def make_header():
     return "".join(out)
 
 
-TABLE_TOP = """\
-#pragma once
-// The library's 100 exports in the order of the exports' source file: name, signature text as the
-// failure texts show it (MSVC's __FUNCSIG__ spelling), result kind, neutral result after a failure,
-// family and argument kinds. One X-macro row per export, so that code can also expand the rows
-// against the declarations of include/Tovarin.h (decltype(&name)).
-// %s
-#include <cstddef>
-#include <cstdint>
-#include <initializer_list>
-#include <string_view>
-
-namespace TestSupport {
-
-// How an argument travels: a handle, text, a scalar of a C type, or a pointer to an array, a
-// record array or a raw buffer.
-enum class Arg : std::uint8_t {
-    Handle,
-    TextA,
-    TextW,
-    Bool,
-    Char,
-    UChar,
-    Short,
-    UShort,
-    Int,
-    UInt,
-    ULong,
-    Int64,
-    UInt64,
-    Float,
-    Double,
-    PtrArray,
-    MqlStrA,
-    MqlStrW,
-    VoidPtr
-};
-
-// The result's C type: Handle is void *, TextA char *, TextW wchar_t *.
-enum class Result : std::uint8_t {
-    Void,
-    Bool,
-    Char,
-    UChar,
-    Short,
-    UShort,
-    Int,
-    UInt,
-    Int64,
-    UInt64,
-    Float,
-    Double,
-    Handle,
-    TextA,
-    TextW
-};
-
-enum class Family : std::uint8_t { Open, Handle, Write, Read, Raw, Array, StrArray, Path, PathByHandle };
-
-constexpr std::size_t kMaxArgs = 8;
-
-struct ExportInfo {
-    const char* name;
-    const char* signature;
-    Result result;
-    const char* neutralText; // "0", "-1", "false", "0.0", "null", "18446744073709551615", or "none" for void
-    std::uint64_t neutralBits; // the neutral result's bytes in the result's width, zero-extended
-    Family family;
-    std::size_t argCount;
-    Arg args[kMaxArgs];
-};
-
-constexpr ExportInfo MakeExport(const char* name, const char* signature, Result result, const char* neutralText,
-                                std::uint64_t neutralBits, Family family, std::initializer_list<Arg> args) {
-    ExportInfo info{name, signature, result, neutralText, neutralBits, family, args.size(), {}};
-    std::size_t i = 0;
-    for (const Arg arg : args)
-        info.args[i++] = arg;
-    return info;
-}
-
-// X(name, signature, result, neutral text, neutral bits, family, argument kinds...)
-// clang-format off
-#define TOVARIN_EXPORTS(X) \\
-"""
-
-TABLE_BOTTOM = """\
-// clang-format on
-
-#define TOVARIN_EXPORT_INFO(name, signature, result, neutralText, neutralBits, family, ...) \\
-    MakeExport(#name, signature, Result::result, neutralText, neutralBits, Family::family, {__VA_ARGS__}),
-
-inline constexpr ExportInfo kExports[] = {TOVARIN_EXPORTS(TOVARIN_EXPORT_INFO)};
-inline constexpr std::size_t kExportCount = sizeof(kExports) / sizeof(kExports[0]);
-static_assert(kExportCount == 100, "the library has 100 exports");
-
-// The row of an export, or null for an unknown name.
-constexpr const ExportInfo* FindExport(std::string_view name) {
-    for (const ExportInfo& info : kExports)
-        if (name == info.name)
-            return &info;
-    return nullptr;
-}
-
-// Bytes of a result of the kind (0 for void).
-constexpr std::size_t ResultWidth(Result result) {
-    switch (result) {
-    case Result::Void:
-        return 0;
-    case Result::Bool:
-    case Result::Char:
-    case Result::UChar:
-        return 1;
-    case Result::Short:
-    case Result::UShort:
-        return 2;
-    case Result::Int:
-    case Result::UInt:
-    case Result::Float:
-        return 4;
-    default:
-        return 8;
-    }
-}
-
-} // namespace TestSupport
-"""
-
-
-def make_table():
-    rows = []
-    for e in EXPORTS:
-        args = ", ".join("Arg::" + arg_kind(t) for t, _ in e.params)
-        rows.append('    X(%s, "%s", %s, "%s", 0x%X, %s, %s)' % (
-            e.name, signature(e), RESULT_KINDS[e.result], e.neutral, neutral_bits(e), e.family, args))
-    return TABLE_TOP % GENERATED + " \\\n".join(rows) + "\n" + TABLE_BOTTOM
-
-
 MQH_TOP = """\
 //+------------------------------------------------------------------+
 //| Tovarin.mqh: imports of Tovarin.dll, file access for MQL5        |
@@ -645,6 +506,55 @@ def make_readme():
     return text[:begin] + make_reference().lstrip("\n") + "\n" + text[end:]
 
 
+def make_def():
+    return "; %s\nLIBRARY Tovarin\nEXPORTS\n" % GENERATED + "".join("    %s\n" % e.name for e in EXPORTS)
+
+
+ROWS_TOP = """\
+// %s
+// The signature text of each export, as its failure texts show it, and the neutral result it returns
+// after a failure; the exports' source takes both from here.
+#pragma once
+#include "Frame.h"
+
+namespace Project {
+namespace Rows {
+
+"""
+
+ROWS_BOTTOM = """
+} // namespace Rows
+} // namespace Project
+
+// X(name) for each export, in the order of the exports' source.
+// clang-format off
+#define TOVARIN_EXPORTS(X) \\
+%s
+// clang-format on
+"""
+
+
+def cpp_neutral(e):
+    if e.neutral == ALL_BITS:
+        return "~0ull"
+    if e.neutral == "null":
+        return "nullptr"
+    if e.neutral == "0.0":
+        return "0.0f" if e.result == "float" else "0.0"
+    return e.neutral
+
+
+def make_rows():
+    out = [ROWS_TOP % GENERATED]
+    for e in EXPORTS:
+        if e.neutral == "none":
+            out.append('inline constexpr Row<void> %s = {"%s"};\n' % (e.name, signature(e)))
+        else:
+            out.append('inline constexpr Row<%s> %s = {"%s", %s};\n' % (e.result, e.name, signature(e), cpp_neutral(e)))
+    names = " \\\n".join("    X(%s)" % e.name for e in EXPORTS)
+    return "".join(out) + ROWS_BOTTOM % names
+
+
 # ---------------------------------------------------------------------------------------------
 def clang_format(text, path):
     done = subprocess.run(["clang-format", "--assume-filename=" + path, "--style=file"], input=text.encode(),
@@ -652,20 +562,15 @@ def clang_format(text, path):
     return done.stdout.decode()
 
 
-OUTPUTS = [("include/Tovarin.h", make_header, True), ("tests/support/ExportTable.h", make_table, True),
+OUTPUTS = [("exports/Tovarin.def", make_def, False), ("exports/ExportRows.h", make_rows, True),
+           ("include/Tovarin.h", make_header, True),
            ("mql5/Include/Tovarin.mqh", make_mqh, False), ("README.md", make_readme, False)]
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--check", action="store_true", help="compare instead of writing")
-    parser.add_argument("--def", dest="def_", action="store_true", help="print the EXPORTS section")
     options = parser.parse_args()
-    if options.def_:
-        print("LIBRARY Tovarin\nEXPORTS")
-        for e in EXPORTS:
-            print("    " + e.name)
-        return 0
     stale = []
     for relative, make, formatted in OUTPUTS:
         text = make()

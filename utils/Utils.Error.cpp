@@ -9,6 +9,11 @@
 namespace Utils {
 namespace Error {
 
+static_assert(kNoticeStyle == (MB_OK | MB_ICONINFORMATION | MB_TASKMODAL | MB_SETFOREGROUND | MB_TOPMOST),
+              "the notice box: information icon, task-modal, in front");
+static_assert(kErrorStyle == (MB_OK | MB_ICONERROR | MB_SETFOREGROUND | MB_TOPMOST),
+              "the error box: in front");
+
 namespace detail {
 unsigned long LastError() noexcept {
     return ::GetLastError();

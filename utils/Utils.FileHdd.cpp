@@ -39,21 +39,11 @@ const char kHardLink[] = "void __cdecl " FILEHDD "HardLink(const " TOVARIN_WSTRI
 
 typedef Sync::Lock<Sync::CriticalSection> Guard;
 
-// "X:\..." or "\\?\X:\...": a folder on a drive letter, absolute.
-bool IsDriveFolder(const std::wstring& folder) {
-    const size_t at = folder.rfind(L"\\\\?\\", 0) == 0 ? 4 : 0;
-    if (folder.size() < at + 3 || folder[at + 1] != L':' || folder[at + 2] != L'\\')
-        return false;
-    const wchar_t drive = folder[at];
-    return (drive >= L'A' && drive <= L'Z') || (drive >= L'a' && drive <= L'z');
-}
+static_assert(FileHdd::kDefaultAccess == (GENERIC_READ | GENERIC_WRITE), "read and write by default");
+static_assert(FileHdd::kDefaultShare == (FILE_SHARE_READ | FILE_SHARE_WRITE), "shared for both by default");
+static_assert(FileHdd::kDefaultFlags == FILE_ATTRIBUTE_NORMAL, "plain files");
 
 } // namespace
-
-SystemCalls& Sys() {
-    static SystemCalls calls = {&::CreateFileW, &::ReadFile, &::WriteFile, &::SetEndOfFile};
-    return calls;
-}
 
 ChunkPlan PlanChunks(const unsigned __int64 size) {
     ChunkPlan plan = {size / kLargestCall + (size % kLargestCall != 0 ? 1 : 0), 0};
@@ -126,12 +116,6 @@ void FileHdd::Init(const std::wstring& path, void* const handle, const bool clos
     const size_t nameDot = fileName_.rfind(L'.');
     baseName_ = hasExtension && nameDot != std::wstring::npos ? fileName_.substr(0, nameDot) : fileName_;
     MakeEvent();
-    // A second guard, kept after the event as it always stood.
-    if (path_.empty() && handle_ == nullptr)
-        TOVARIN_THROW(
-            kInit, false,
-            L"Не указаны путь к файлу и системный дескриптор файла.\r\nНеобходимо указать хотя бы один "
-            L"инициализатор.");
 }
 
 void* FileHdd::_Create(const std::wstring& path, const unsigned long disposition) {
@@ -177,7 +161,7 @@ void FileHdd::_Close(void* const handle) {
     ::SetLastError(0);
     if (handle == nullptr)
         return;
-    if (!::CloseHandle(handle)) {
+    if (!Sys().closeHandle(handle)) {
         std::wostringstream text;
         text << L"Не закрыт файл:" << std::endl
              << L"\"" << path_ << L"\"" << std::endl

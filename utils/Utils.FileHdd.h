@@ -3,6 +3,7 @@
 // arguments of the next open, and the locks that serialise every operation on it. The raw
 // operations take the handle as an argument, so they can work on any handle under the object's
 // lock; every failure is thrown as a composed failure text.
+#include "Utils.File.h"
 #include "Utils.Smart.h"
 #include "Utils.Synchronize.h"
 
@@ -22,16 +23,6 @@ public:
     virtual unsigned __int64 _Write(H const handle, const void* buffer, const unsigned __int64 size) = 0;
 };
 
-// The system calls that tests make fail, reached through one table so that a fault test needs no
-// special disk. Defaults are the real calls.
-struct SystemCalls {
-    decltype(&::CreateFileW) createFile;
-    decltype(&::ReadFile) readFile;
-    decltype(&::WriteFile) writeFile;
-    decltype(&::SetEndOfFile) setEndOfFile;
-};
-SystemCalls& Sys();
-
 // The largest count that one ReadFile or WriteFile call takes.
 const unsigned long kLargestCall = 0xFFFFFFFFul;
 
@@ -41,6 +32,11 @@ struct ChunkPlan {
     unsigned long last;     // length of the last call
 };
 ChunkPlan PlanChunks(const unsigned __int64 size);
+
+// The creation dispositions that the open and create exports pass, as CreateFileW takes them.
+static_assert(CREATE_NEW == 1 && CREATE_ALWAYS == 2 && OPEN_EXISTING == 3 && OPEN_ALWAYS == 4 &&
+                  TRUNCATE_EXISTING == 5,
+              "the dispositions are the row numbers of their names");
 
 // Names of the creation dispositions 0..5 in failure texts; "EMPTY" for any other value.
 const wchar_t* DispositionName(const unsigned long disposition);
@@ -102,18 +98,16 @@ public:
     const std::wstring& FileName() const { return fileName_; }
     const std::wstring& BaseName() const { return baseName_; }
     const std::wstring& Extension() const { return extension_; }
-    bool CloseOnRelease() const { return closeOnRelease_; }
     unsigned long Access() const { return access_; }
     unsigned long Share() const { return share_; }
-    unsigned long Flags() const { return flags_; }
     void SetAccess(const unsigned long access) { access_ = access; }
     void SetShare(const unsigned long share) { share_ = share; }
     const std::wstring& EventName() const { return fileEvent_.Name(); }
     Sync::CriticalSection& Lock() { return lock_; }
 
-    static const unsigned long kDefaultAccess = 0xC0000000; // GENERIC_READ | GENERIC_WRITE
-    static const unsigned long kDefaultFlags = 0x80;        // FILE_ATTRIBUTE_NORMAL
-    static const unsigned long kDefaultShare = 3;           // FILE_SHARE_READ | FILE_SHARE_WRITE
+    static constexpr unsigned long kDefaultAccess = 0xC0000000; // GENERIC_READ | GENERIC_WRITE
+    static constexpr unsigned long kDefaultFlags = 0x80;        // FILE_ATTRIBUTE_NORMAL
+    static constexpr unsigned long kDefaultShare = 3;           // FILE_SHARE_READ | FILE_SHARE_WRITE
 
 private:
     // The chunked transfer, with the lock held.

@@ -209,7 +209,7 @@ TEST_F(Paths, PathRulesRefuseWithTheirTexts) {
         SCOPED_TRACE(c.name);
         CallArgs args{
             h, nullptr, {}, {src.c_str(), c.path.c_str()}, {0, 0, TOVARIN_DEFAULT, TOVARIN_DEFAULT}};
-        if (!ExportOf(c.name).byHandle && ExportOf(c.name).texts == 1)
+        if (ExportOf(c.name).texts == 1)
             args.pathW[0] = c.path.c_str();
         EXPECT_EQ(ExportOf(c.name).Call(args), ExportOf(c.name).neutral);
         ExpectOneBox(boxes, c.name,

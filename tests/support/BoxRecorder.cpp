@@ -20,7 +20,9 @@ std::wstring TextOf(HWND window) {
 
 // The box's icon is a shared system icon, so its handle tells which one it is.
 BoxIcon IconOf(HWND box) {
-    const HICON icon = reinterpret_cast<HICON>(::SendDlgItemMessageW(box, 0x0014, STM_GETICON, 0, 0));
+    HICON icon = reinterpret_cast<HICON>(::SendDlgItemMessageW(box, 0x0440, STM_GETICON, 0, 0));
+    if (icon == nullptr)
+        icon = reinterpret_cast<HICON>(::SendDlgItemMessageW(box, 0x0014, STM_GETICON, 0, 0));
     if (icon == nullptr)
         return BoxIcon::None;
     if (icon == ::LoadIconW(nullptr, MAKEINTRESOURCEW(32513)))

@@ -1,21 +1,30 @@
 #include "Exports.h"
 
-#include "ExportTable.h"
+#include "exports/ExportRows.h"
 
 #include <cwctype>
 
 namespace TestSupport {
 
+namespace {
+template <class R> u64 Neutral(const Project::Row<R>& row) {
+    return Bits(row.neutral);
+}
+u64 Neutral(const Project::Row<void>&) {
+    return 0;
+}
+} // namespace
+
 const std::vector<ExportRow>& Exports() {
-#define TOVARIN_ROW(name, signature, result, text, bits, ...)                                                \
+#define TOVARIN_TEST_ROW(name)                                                                               \
     ExportRow{#name,                                                                                         \
-              signature,                                                                                     \
-              bits,                                                                                          \
+              Project::Rows::name.signature,                                                                 \
+              Neutral(Project::Rows::name),                                                                  \
               &Caller<decltype(&::name)>::Run,                                                               \
               Caller<decltype(&::name)>::kByHandle,                                                          \
               Caller<decltype(&::name)>::kTexts},
-    static const std::vector<ExportRow> rows = {TOVARIN_EXPORTS(TOVARIN_ROW)};
-#undef TOVARIN_ROW
+    static const std::vector<ExportRow> rows = {TOVARIN_EXPORTS(TOVARIN_TEST_ROW)};
+#undef TOVARIN_TEST_ROW
     return rows;
 }
 
