@@ -1,7 +1,10 @@
 // Faults injected through the system-call seam: disk full and short transfers, a failed truncation,
-// chunking above 4 GiB.
+// chunking above 4 GiB, a failed close, an aborted shell, a failed hard link; and the order of the
+// symbolic link's arguments, which the platform's own call may not show.
 #include "support/TempDir.h"
 
+#include "exports/Project.h"
+#include "utils/Utils.File.h"
 #include "utils/Utils.FileHdd.h"
 
 #include <gtest/gtest.h>
@@ -12,12 +15,6 @@
 using TestSupport::TempDir;
 
 namespace {
-
-// Restores the real calls when the test ends, also after a failed assertion.
-struct ScopedCalls {
-    Utils::SystemCalls saved = Utils::Sys();
-    ~ScopedCalls() { Utils::Sys() = saved; }
-};
 
 std::wstring Thrown(const std::function<void()>& call) {
     try {
@@ -53,11 +50,11 @@ TEST_F(Seam, FailedAndShortTransfersThrowWithTheCountsAndKeepEarlierBytes) {
     };
     const Case cases[] = {{FALSE, 0, L"Записано: 0"}, {TRUE, 3, L"Записано: 3"}, {FALSE, 2, L"Записано: 2"}};
     {
-        ScopedCalls calls;
+        Utils::ScopedSystemCalls calls;
         for (const Case& c : cases) {
             g_done = c.done;
             g_result = c.result;
-            Utils::Sys().writeFile = [](HANDLE, LPCVOID, DWORD, LPDWORD done, LPOVERLAPPED) -> BOOL {
+            calls->writeFile = [](HANDLE, LPCVOID, DWORD, LPDWORD done, LPOVERLAPPED) -> BOOL {
                 *done = g_done;
                 ::SetLastError(ERROR_DISK_FULL);
                 return g_result;
@@ -69,14 +66,14 @@ TEST_F(Seam, FailedAndShortTransfersThrowWithTheCountsAndKeepEarlierBytes) {
                 << TestSupport::Narrow(text);
             EXPECT_NE(text.find(L"\nLast Error: 1.\n"), std::wstring::npos);
         }
-        Utils::Sys().readFile = [](HANDLE, LPVOID, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
+        calls->readFile = [](HANDLE, LPVOID, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
             *done = length - 1;
             return TRUE;
         };
         char buffer[4];
         EXPECT_NE(Thrown([&] { file._Read(handle, buffer, 4); }).find(L"Запрошено: 4\nПрочитано: 3\n"),
                   std::wstring::npos);
-        Utils::Sys().setEndOfFile = [](HANDLE) -> BOOL { return FALSE; };
+        calls->setEndOfFile = [](HANDLE) -> BOOL { return FALSE; };
         EXPECT_NE(Thrown([&] {
                       file.Resize<unsigned __int64>(1);
                   }).find(L"Не зафиксирован физический размер файла:"),
@@ -95,13 +92,13 @@ TEST_F(Seam, TransfersAboveFourGigabytesGoOutInChunks) {
     char* const buffer =
         static_cast<char*>(::VirtualAlloc(nullptr, static_cast<SIZE_T>(size), MEM_RESERVE, PAGE_NOACCESS));
     ASSERT_NE(buffer, nullptr);
-    ScopedCalls calls;
-    Utils::Sys().writeFile = [](HANDLE, LPCVOID from, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
+    Utils::ScopedSystemCalls calls;
+    calls->writeFile = [](HANDLE, LPCVOID from, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
         g_calls.emplace_back(static_cast<const char*>(from), length);
         *done = length;
         return TRUE;
     };
-    Utils::Sys().readFile = [](HANDLE, LPVOID into, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
+    calls->readFile = [](HANDLE, LPVOID into, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
         g_calls.emplace_back(static_cast<const char*>(into), length);
         *done = length;
         return TRUE;
@@ -117,6 +114,100 @@ TEST_F(Seam, TransfersAboveFourGigabytesGoOutInChunks) {
                                                              {buffer + 0xFFFFFFFFull, 1}};
     EXPECT_EQ(g_calls, read);
     ::VirtualFree(buffer, 0, MEM_RELEASE);
+}
+
+std::vector<std::wstring> g_seen;
+
+TEST(SeamLinks, SymbolicLinksNameTheLinkFirstAndTheExistingFileAsTarget) {
+    TempDir dir;
+    Utils::ScopedSystemCalls calls;
+    calls->createSymbolicLink = [](LPCWSTR link, LPCWSTR target, DWORD flags) -> BOOLEAN {
+        g_seen.insert(g_seen.end(), {link, target, std::to_wstring(flags)});
+        return TRUE;
+    };
+    g_seen.clear();
+    EXPECT_EQ(Project::SymbolicLink(dir / L"file.bin", dir / L"sub\\link.bin"), 1);
+    void* handle = Project::OpenFile(dir / L"file.bin", 0xFFFFFFFF, 0xFFFFFFFF, CREATE_ALWAYS);
+    EXPECT_EQ(Project::SymbolicLinkByHandle(handle, dir / L"link2.bin"), 1);
+    Project::CloseByHandle(handle);
+    const std::vector<std::wstring> expected = {dir / L"sub\\link.bin", dir / L"file.bin", L"0",
+                                                dir / L"link2.bin",     dir / L"file.bin", L"0"};
+    EXPECT_EQ(g_seen, expected);
+}
+
+TEST(SeamLinks, AFailedHardLinkThrowsWithOrWithoutTheLastError) {
+    TempDir dir;
+    Utils::ScopedSystemCalls calls;
+    const std::wstring source = dir / L"file.bin";
+    for (DWORD error : {5ul, 0ul}) {
+        SCOPED_TRACE(error);
+        ::SetLastError(error); // the fake keeps whatever the library left
+        g_seen.assign(1, std::to_wstring(error));
+        calls->createHardLink = [](LPCWSTR, LPCWSTR, LPSECURITY_ATTRIBUTES) -> BOOL {
+            ::SetLastError(std::stoul(g_seen[0]));
+            return FALSE;
+        };
+        const std::wstring text = Thrown([&] { Utils::File::HardLink(source, dir / L"link.bin"); });
+        const std::wstring message = L"Не создана жёсткая ссылка на файл:\r\n\"" + source + L"\"";
+        if (error != 0) {
+            EXPECT_NE(text.find(L"\nLast Error: 1.\n"), std::wstring::npos);
+            EXPECT_NE(text.find(L"\n" + message + L"\n"), std::wstring::npos) << TestSupport::Narrow(text);
+        } else {
+            EXPECT_EQ(text.find(L"Last Error"), std::wstring::npos);
+            EXPECT_NE(text.find(message +
+                                L"\r\nВозможной причиной может быть попытка создания жёсткой ссылки на "
+                                L"путь, который уже является ссылкой с другого диска."),
+                      std::wstring::npos)
+                << TestSupport::Narrow(text);
+        }
+    }
+}
+
+// The shell's result and its aborted flag both count; the operation is silent and confirms nothing.
+TEST(SeamShell, CopyAndMoveSucceedOnlyWhenTheShellFinishedEverything) {
+    struct Case {
+        int result;
+        BOOL aborted;
+        int expected;
+    };
+    Utils::ScopedSystemCalls calls;
+    for (const Case& c : {Case{0, FALSE, 1}, Case{0, TRUE, 0}, Case{2, FALSE, 0}}) {
+        SCOPED_TRACE(c.result + c.aborted);
+        g_seen.assign({std::to_wstring(c.result), std::to_wstring(c.aborted)});
+        calls->fileOperation = [](LPSHFILEOPSTRUCTW operation) -> int {
+            operation->fAnyOperationsAborted = std::stoi(g_seen[1]);
+            g_seen.insert(g_seen.end(),
+                          {std::to_wstring(operation->wFunc), std::to_wstring(operation->fFlags),
+                           operation->pFrom, operation->pTo});
+            return std::stoi(g_seen[0]);
+        };
+        EXPECT_EQ(Project::Copy(L"C:\\a.bin", L"C:\\b.bin"), c.expected);
+        EXPECT_EQ(Project::Move(L"C:\\a.bin", L"C:\\c.bin"), c.expected);
+        const std::vector<std::wstring> seen(g_seen.begin() + 2, g_seen.end());
+        const std::vector<std::wstring> expected = {L"2", L"1557", L"C:\\a.bin", L"C:\\b.bin",
+                                                    L"1", L"1557", L"C:\\a.bin", L"C:\\c.bin"};
+        EXPECT_EQ(seen, expected);
+    }
+}
+
+// A failed close is reported with the path; the host's handle is unknown afterwards all the same.
+TEST(SeamClose, AFailedCloseThrowsAndTheHandleIsGone) {
+    TempDir dir;
+    void* handle = Project::OpenFile(dir / L"file.bin", 0xFFFFFFFF, 0xFFFFFFFF, CREATE_ALWAYS);
+    {
+        Utils::ScopedSystemCalls calls;
+        calls->closeHandle = [](HANDLE) -> BOOL {
+            ::SetLastError(ERROR_INVALID_HANDLE);
+            return FALSE;
+        };
+        const std::wstring text = Thrown([&] { Project::CloseByHandle(handle); });
+        EXPECT_NE(text.find(L"Не закрыт файл:\n\"" + (dir / L"file.bin") + L"\"\nСистемный дескриптор: "),
+                  std::wstring::npos)
+            << TestSupport::Narrow(text);
+        EXPECT_NE(text.find(L"\nLast Error: 1.\n"), std::wstring::npos);
+    }
+    EXPECT_NE(Thrown([&] { Project::PtrCFile(handle); }), L"(nothing thrown)");
+    EXPECT_TRUE(::CloseHandle(handle));
 }
 
 } // namespace
