@@ -113,7 +113,12 @@ TEST_F(Paths, CompletedOperationAlwaysRefuses) {
         SCOPED_TRACE(access);
         EXPECT_EQ(TOVARIN_FN(FileCompletedW)(never.c_str(), access, -1, 0, 0, 0, nullptr, 0), 0u);
         ExpectOneBox(boxes, "FileCompletedW",
-                     {L"Project::CompletedOperation(const ", L"\nДоступ к файлу выбран неправильно.\n"});
+                     {L"\"unsigned __int64 __cdecl Project::CompletedOperation(const class "
+                      L"std::basic_string<wchar_t,struct "
+                      L"std::char_traits<wchar_t>,class std::allocator<wchar_t> > &,const unsigned "
+                      L"short,const int,const "
+                      L"__int64,const unsigned short,const unsigned long,void *,const unsigned __int64)\"!",
+                      L"\nДоступ к файлу выбран неправильно.\n"});
     }
     EXPECT_EQ(TOVARIN_FN(FileCompletedA)(Narrow(never).c_str(), 1, 3, 0, 0, 0, nullptr, 0), 0u);
     ExpectOneBox(boxes, "FileCompletedA", {L"\nДоступ к файлу выбран неправильно.\n"});
