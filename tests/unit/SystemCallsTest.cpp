@@ -85,33 +85,34 @@ TEST_F(Seam, FailedAndShortTransfersThrowWithTheCountsAndKeepEarlierBytes) {
 
 // Above one call's reach a transfer goes out in chunks of 0xFFFFFFFF bytes from consecutive
 // addresses. The fake calls touch no memory, so the buffer is only reserved.
-std::vector<std::pair<const char*, DWORD>> g_calls;
+std::vector<std::pair<unsigned __int64, DWORD>> g_calls; // offset into the buffer, length
+const char* g_buffer;
 
 TEST_F(Seam, TransfersAboveFourGigabytesGoOutInChunks) {
     const unsigned __int64 size = 0x200000001ull;
     char* const buffer =
         static_cast<char*>(::VirtualAlloc(nullptr, static_cast<SIZE_T>(size), MEM_RESERVE, PAGE_NOACCESS));
     ASSERT_NE(buffer, nullptr);
+    g_buffer = buffer;
     Utils::ScopedSystemCalls calls;
     calls->writeFile = [](HANDLE, LPCVOID from, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
-        g_calls.emplace_back(static_cast<const char*>(from), length);
+        g_calls.emplace_back(static_cast<const char*>(from) - g_buffer, length);
         *done = length;
         return TRUE;
     };
     calls->readFile = [](HANDLE, LPVOID into, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
-        g_calls.emplace_back(static_cast<const char*>(into), length);
+        g_calls.emplace_back(static_cast<const char*>(into) - g_buffer, length);
         *done = length;
         return TRUE;
     };
     g_calls.clear();
     EXPECT_EQ(file._Write(handle, buffer, size), size);
-    const std::vector<std::pair<const char*, DWORD>> written = {
-        {buffer, 0xFFFFFFFF}, {buffer + 0xFFFFFFFFull, 0xFFFFFFFF}, {buffer + 0x1FFFFFFFEull, 3}};
+    const std::vector<std::pair<unsigned __int64, DWORD>> written = {
+        {0, 0xFFFFFFFF}, {0xFFFFFFFFull, 0xFFFFFFFF}, {0x1FFFFFFFEull, 3}};
     EXPECT_EQ(g_calls, written);
     g_calls.clear();
     EXPECT_EQ(file._Read(handle, buffer, 0x100000000ull), 0x100000000ull);
-    const std::vector<std::pair<const char*, DWORD>> read = {{buffer, 0xFFFFFFFF},
-                                                             {buffer + 0xFFFFFFFFull, 1}};
+    const std::vector<std::pair<unsigned __int64, DWORD>> read = {{0, 0xFFFFFFFF}, {0xFFFFFFFFull, 1}};
     EXPECT_EQ(g_calls, read);
     ::VirtualFree(buffer, 0, MEM_RELEASE);
 }
