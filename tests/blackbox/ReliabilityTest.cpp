@@ -74,7 +74,7 @@ void StressRound(const TempDir& dir, int steps, const std::wstring& round) {
         void* h = TOVARIN_FN(FileCreateAlwaysW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
         for (int step = 0; step < steps; ++step) {
             const size_t n = 1 + random() % 16;
-            switch (random() % 4) {
+            switch (random() % 5) {
             case 0: {
                 std::vector<int> values(n, (t << 24) | step);
                 TOVARIN_FN(FileSetPointerEnd)(h, 0);
@@ -92,6 +92,7 @@ void StressRound(const TempDir& dir, int steps, const std::wstring& round) {
                 break;
             }
             case 2:
+            case 3:
                 model.resize(model.empty() ? 0 : random() % (model.size() + 1));
                 TOVARIN_FN(FileResize)(h, model.size() * 4);
                 TOVARIN_FN(FileCloseHandle)(h);
