@@ -76,6 +76,42 @@ TEST_F(Handles, TheLookupComesBeforeACountOfZero) {
     close(open);
 }
 
+// Hostile arguments with a good handle: each refused with its text and the neutral result; the
+// file stays empty.
+TEST_F(Handles, HostileArgumentsAreRefused) {
+    void* h = Create(L"hostile.bin");
+    alignas(8) char buffer[64] = {};
+    const u64 all = ~0ull;
+    const struct {
+        const char* name;
+        CallArgs args;
+        const wchar_t* piece;
+    } cases[] = {
+        {"FileWriteIntArray",
+         {h, nullptr, {}, {}, {0, 4, 0, 4}},
+         L"\nОтсутствует массив: указатель на массив равен нулю.\n"},
+        {"FileReadLongArray",
+         {h, buffer, {}, {}, {0, all, 0, all}},
+         L"\nРазмер передаваемых данных превышает адресное пространство.\n"},
+        {"FileWriteStrArrayMW",
+         {h, nullptr, {}, {}, {0, 2, 0, 2}},
+         L"\nОтсутствует массив строк: указатель на массив равен нулю.\n"},
+        {"FileReadStrArrayA",
+         {h, nullptr, {}, {}, {2, 8, 0, 2}},
+         L"\nОтсутствует массив строк: указатель на массив равен нулю.\n"},
+        {"FileWriteVoid", {h, nullptr, {}, {}, {0, 0, 0, 16}}, L"не записаны данные в файл:"},
+        {"FileSetPointerBegin", {h, nullptr, {}, {}, {0, 0, 0, 0x80000000}}, L"Не смещён файловый указатель"},
+        {"FileReadStringW", {h, nullptr, {}, {}, {0, 0, 0, 1ull << 62}}, L"Unknown exception!"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(ExportOf(c.name).Call(c.args), ExportOf(c.name).neutral);
+        ExpectOneBox(boxes, c.name, {c.piece});
+    }
+    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 0u);
+    close(h);
+}
+
 TEST_F(Handles, OpenAndCreateByDisposition) {
     struct Case {
         const char* name;
