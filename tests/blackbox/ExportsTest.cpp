@@ -1,5 +1,5 @@
-// The DLL as a whole: its export and import tables, its version resource, and every export called
-// with all-zero arguments; the registry's texts whole, the box caption.
+// The DLL as a whole: its export and import tables, every export called with all-zero arguments,
+// the registry's texts whole, the box caption.
 #include "support/Exports.h"
 
 #include <gtest/gtest.h>
@@ -39,34 +39,14 @@ TEST(Module, ExportsExactlyTheList) {
     EXPECT_EQ(ModuleNames(TovarinDll::Module(), IMAGE_DIRECTORY_ENTRY_EXPORT), listed);
 }
 
+// The C++ runtime is linked in: the DLL needs nothing but Windows itself.
 TEST(Module, ImportsWindowsSystemDllsOnly) {
-    const std::vector<std::string> imports = ModuleNames(TovarinDll::Module(), IMAGE_DIRECTORY_ENTRY_IMPORT);
-    ASSERT_FALSE(imports.empty());
-    for (std::string name : imports) {
+    const std::string system = " kernel32.dll user32.dll shell32.dll msvcrt.dll wininet.dll advapi32.dll ";
+    for (std::string name : ModuleNames(TovarinDll::Module(), IMAGE_DIRECTORY_ENTRY_IMPORT)) {
         std::transform(name.begin(), name.end(), name.begin(),
                        [](char c) { return static_cast<char>(::tolower(c)); });
-        const bool system = name.rfind("api-ms-win-", 0) == 0 || name == "kernel32.dll" ||
-                            name == "user32.dll" || name == "shell32.dll" || name == "msvcrt.dll" ||
-                            name == "wininet.dll" || name == "advapi32.dll" || name == "ucrtbase.dll";
-        EXPECT_TRUE(system) << name;
-    }
-}
-
-TEST(Module, VersionResourceNamesTheProduct) {
-    const std::wstring path = ExecutableFolder() + L"Tovarin.dll";
-    DWORD ignored = 0;
-    std::vector<char> block(::GetFileVersionInfoSizeW(path.c_str(), &ignored));
-    ASSERT_FALSE(block.empty());
-    ASSERT_TRUE(::GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(block.size()), block.data()));
-    const std::pair<const wchar_t*, const char*> values[] = {{L"ProductName", "Tovarin"},
-                                                             {L"FileVersion", TOVARIN_VERSION_TEXT},
-                                                             {L"OriginalFilename", "Tovarin.dll"}};
-    for (const auto& value : values) {
-        wchar_t* text = nullptr;
-        UINT chars = 0;
-        const std::wstring query = std::wstring(L"\\StringFileInfo\\040904B0\\") + value.first;
-        ASSERT_TRUE(::VerQueryValueW(block.data(), query.c_str(), reinterpret_cast<void**>(&text), &chars));
-        EXPECT_EQ(Narrow(text), value.second);
+        EXPECT_TRUE(name.rfind("api-ms-win-", 0) == 0 || system.find(" " + name + " ") != std::string::npos)
+            << name;
     }
 }
 

@@ -2,8 +2,6 @@
 
 #include "exports/ExportRows.h"
 
-#include <cwctype>
-
 namespace TestSupport {
 
 namespace {
@@ -46,10 +44,10 @@ void ExpectOneBox(BoxRecorder& boxes, const std::string& name, std::initializer_
     const std::vector<Box> shown = boxes.Boxes();
     boxes.Clear();
     ASSERT_EQ(shown.size(), 1u) << name << (shown.empty() ? "" : "\n" + Narrow(shown[0].text));
-    const std::wstring& text = shown[0].text;
-    EXPECT_EQ(text.find(Heading(name)), 0u) << Narrow(text);
+    EXPECT_EQ(shown[0].text.find(Heading(name)), 0u) << Narrow(shown[0].text);
     for (const std::wstring& piece : pieces)
-        EXPECT_NE(text.find(piece), std::wstring::npos) << Narrow(piece) << "\nnot in\n" << Narrow(text);
+        EXPECT_NE(shown[0].text.find(piece), std::wstring::npos) << Narrow(piece) << "\nnot in\n"
+                                                                 << Narrow(shown[0].text);
 }
 
 void ExpectNoBox(BoxRecorder& boxes) {
@@ -61,38 +59,24 @@ void ExpectNoBox(BoxRecorder& boxes) {
 std::vector<int> LinesOf(const std::wstring& text) {
     std::vector<int> lines;
     const std::wstring label = L"\r\nLine: ";
-    for (size_t at = text.find(label); at != std::wstring::npos; at = text.find(label, at + 1)) {
-        int line = 0;
-        for (size_t i = at + label.size(); i < text.size() && std::iswdigit(text[i]); ++i)
-            line = line * 10 + (text[i] - L'0');
-        lines.push_back(line);
-    }
+    for (size_t at = text.find(label); at != std::wstring::npos; at = text.find(label, at + 1))
+        lines.push_back(std::stoi(text.substr(at + label.size())));
     return lines;
 }
 
-CurrentFolder::CurrentFolder(const std::wstring& folder) : folder_(folder) {
-    wchar_t saved[MAX_PATH] = {};
-    ::GetCurrentDirectoryW(MAX_PATH, saved);
-    saved_ = saved;
+CurrentFolder::CurrentFolder(const std::wstring& folder) : folder_(folder), saved_(MAX_PATH, L'\0') {
+    saved_.resize(::GetCurrentDirectoryW(MAX_PATH, &saved_[0]));
     ::SetCurrentDirectoryW(folder.c_str());
-}
-
-CurrentFolder::~CurrentFolder() {
-    ::SetCurrentDirectoryW(saved_.c_str());
 }
 
 bool CurrentFolder::Empty() const {
     WIN32_FIND_DATAW found;
     HANDLE search = ::FindFirstFileW((folder_ + L"\\*").c_str(), &found);
-    bool empty = true;
-    if (search != INVALID_HANDLE_VALUE) {
-        do
-            empty = empty &&
-                    (std::wcscmp(found.cFileName, L".") == 0 || std::wcscmp(found.cFileName, L"..") == 0);
-        while (::FindNextFileW(search, &found));
-        ::FindClose(search);
-    }
-    return empty;
+    int entries = 0; // "." and ".." are always there
+    for (bool more = search != INVALID_HANDLE_VALUE; more; more = ::FindNextFileW(search, &found))
+        ++entries;
+    ::FindClose(search);
+    return entries <= 2;
 }
 
 } // namespace TestSupport

@@ -1,6 +1,6 @@
 #pragma once
-// The 100 exports as rows: name, signature text, neutral result, and a caller that fills the
-// arguments from one set of values by their types. Expectations on the boxes the exports show.
+// The 100 exports as rows (name, signature text, neutral result) with a caller that fills each
+// argument from one set of values by its type; expectations on the boxes the exports show.
 #include "BoxRecorder.h"
 #include "TempDir.h"
 #include "TovarinDll.h"
@@ -8,7 +8,6 @@
 
 #include <cstring>
 #include <initializer_list>
-#include <string>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -18,9 +17,9 @@ namespace TestSupport {
 
 typedef unsigned __int64 u64;
 
-// The arguments of one call: the first `void *` is the handle, the k-th text is paths[k], every
-// other pointer is the buffer, and integers and reals take ints[k + 4 - n] for the k-th of n numbers (0
-// when that falls before the array), so {.., size, start, count} fits every array export.
+// One call's arguments: a first `void *` is the handle, the k-th text is paths[k], any other
+// pointer the buffer; the k-th of n numbers is ints[k + 4 - n] (0 before the array), so that
+// {.., size, start, count} fits every array export.
 struct CallArgs {
     void* handle = nullptr;
     void* buffer = nullptr;
@@ -31,55 +30,46 @@ struct CallArgs {
 
 // A result as its bytes in its width, zero-extended.
 template <class R> u64 Bits(R value) {
-    if constexpr (std::is_pointer<R>::value) {
-        return reinterpret_cast<u64>(value);
-    } else if constexpr (std::is_floating_point<R>::value) {
-        u64 bits = 0;
-        std::memcpy(&bits, &value, sizeof(R));
-        return bits;
-    } else if constexpr (std::is_same<R, bool>::value) {
-        return value ? 1 : 0;
-    } else {
-        return static_cast<u64>(static_cast<std::make_unsigned_t<R>>(value));
-    }
+    u64 bits = 0;
+    std::memcpy(&bits, &value, sizeof(R));
+    return std::is_same<R, bool>::value ? bits & 1 : bits;
 }
 
-template <class F> struct Caller;
 template <class T> struct IsText {
     static constexpr bool value =
         std::is_same<T, const char*>::value || std::is_same<T, const wchar_t*>::value;
 };
 
+template <class F> struct Caller;
 template <class R, class... A> struct Caller<R(__cdecl*)(A...)> {
     static constexpr int kNumbers = ((std::is_arithmetic<A>::value ? 1 : 0) + ... + 0);
     static constexpr int kTexts = ((IsText<A>::value ? 1 : 0) + ... + 0);
     static constexpr bool kByHandle = std::is_same<std::tuple_element_t<0, std::tuple<A...>>, void*>::value;
-    template <class T, size_t I> static T Arg(const CallArgs& args) {
-        if constexpr (std::is_same<T, const char*>::value) {
-            return args.pathA[Ordinal<I, IsText>()];
-        } else if constexpr (std::is_same<T, const wchar_t*>::value) {
-            return args.pathW[Ordinal<I, IsText>()];
-        } else if constexpr (std::is_pointer<T>::value) {
-            return I == 0 ? static_cast<T>(args.handle) : reinterpret_cast<T>(args.buffer);
-        } else {
-            const int at = Ordinal<I, std::is_arithmetic>() + 4 - kNumbers;
-            return at < 0 ? T() : static_cast<T>(args.ints[at]);
-        }
-    }
+
     // How many arguments before the I-th are of a kind.
     template <size_t I, template <class> class Kind> static constexpr int Ordinal() {
         int k = 0, i = 0;
         ((k += (i++ < static_cast<int>(I) && Kind<A>::value) ? 1 : 0), ...);
         return k;
     }
+    template <class T, size_t I> static T Arg(const CallArgs& args) {
+        if constexpr (std::is_same<T, const char*>::value)
+            return args.pathA[Ordinal<I, IsText>()];
+        else if constexpr (std::is_same<T, const wchar_t*>::value)
+            return args.pathW[Ordinal<I, IsText>()];
+        else if constexpr (std::is_pointer<T>::value)
+            return I == 0 ? static_cast<T>(args.handle) : reinterpret_cast<T>(args.buffer);
+        else
+            return Ordinal<I, std::is_arithmetic>() + 4 < kNumbers
+                       ? T()
+                       : static_cast<T>(args.ints[Ordinal<I, std::is_arithmetic>() + 4 - kNumbers]);
+    }
     template <size_t... I> static u64 Call(FARPROC proc, const CallArgs& args, std::index_sequence<I...>) {
         const auto f = reinterpret_cast<R(__cdecl*)(A...)>(reinterpret_cast<void*>(proc));
-        if constexpr (std::is_void<R>::value) {
-            f(Arg<A, I>(args)...);
-            return 0;
-        } else {
+        if constexpr (std::is_void<R>::value)
+            return f(Arg<A, I>(args)...), 0;
+        else
             return Bits(f(Arg<A, I>(args)...));
-        }
     }
     static u64 Run(FARPROC proc, const CallArgs& args) {
         return Call(proc, args, std::index_sequence_for<A...>{});
@@ -93,11 +83,7 @@ struct ExportRow {
     u64 (*run)(FARPROC, const CallArgs&);
     bool byHandle; // the first argument is a handle
     int texts;     // text arguments
-    u64 Call(const CallArgs& args) const {
-        FARPROC proc = ::GetProcAddress(TovarinDll::Module(), name);
-        EXPECT_NE(proc, nullptr) << name;
-        return proc == nullptr ? ~neutral : run(proc, args);
-    }
+    u64 Call(const CallArgs& args) const { return run(TovarinDll::Get<FARPROC>(name), args); }
 };
 
 const std::vector<ExportRow>& Exports();
@@ -105,25 +91,22 @@ const ExportRow& ExportOf(const std::string& name);
 
 // The heading of a failure of export `name`: its signature, "Tovarin.cpp" and "Line: ".
 std::wstring Heading(const std::string& name);
-
 // Exactly one box since the last Clear, opening with the heading of `name` and holding each piece;
 // the boxes are cleared afterwards.
 void ExpectOneBox(BoxRecorder& boxes, const std::string& name, std::initializer_list<std::wstring> pieces);
 void ExpectNoBox(BoxRecorder& boxes);
-
 // The numbers that follow "\r\nLine: " in a text, in order.
 std::vector<int> LinesOf(const std::wstring& text);
 
-// Makes an empty folder the current folder for its lifetime; Empty() tells whether it still is.
+// Makes a folder the current folder for its lifetime; Empty() tells whether the folder is empty.
 class CurrentFolder {
 public:
     explicit CurrentFolder(const std::wstring& folder);
-    ~CurrentFolder();
+    ~CurrentFolder() { ::SetCurrentDirectoryW(saved_.c_str()); }
     bool Empty() const;
 
 private:
-    std::wstring folder_;
-    std::wstring saved_;
+    std::wstring folder_, saved_;
 };
 
 } // namespace TestSupport

@@ -7,84 +7,55 @@
 
 namespace TestSupport {
 
-namespace {
-
-std::wstring UniqueName() {
+TempDir::TempDir(std::wstring parent) {
     static std::atomic<unsigned> counter{0};
-    return L"tovarin-" + std::to_wstring(::GetCurrentProcessId()) + L"-" + std::to_wstring(::GetTickCount()) +
-           L"-" + std::to_wstring(counter++);
+    if (parent.empty()) {
+        parent.assign(MAX_PATH + 1, L'\0');
+        parent.resize(::GetTempPathW(MAX_PATH, &parent[0]) - 1); // without the trailing backslash
+    }
+    path_ = parent + L"\\tovarin-" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
+            std::to_wstring(::GetTickCount()) + L"-" + std::to_wstring(counter++);
+    ::CreateDirectoryW(path_.c_str(), nullptr);
 }
-
-std::wstring MakeUnder(std::wstring parent) {
-    if (!parent.empty() && parent.back() == L'\\')
-        parent.pop_back();
-    std::wstring path = parent + L"\\" + UniqueName();
-    ::CreateDirectoryW(path.c_str(), nullptr);
-    return path;
-}
-
-std::wstring SystemTemp() {
-    wchar_t buffer[MAX_PATH + 1] = {};
-    ::GetTempPathW(MAX_PATH, buffer);
-    return buffer;
-}
-
-} // namespace
-
-TempDir::TempDir() : path_(MakeUnder(SystemTemp())) {}
-
-TempDir::TempDir(const std::wstring& parent) : path_(MakeUnder(parent)) {}
 
 TempDir::~TempDir() {
-    std::wstring list = path_;
-    list.push_back(L'\0');
-    list.push_back(L'\0');
-    SHFILEOPSTRUCTW op = {};
-    op.wFunc = FO_DELETE;
-    op.pFrom = list.c_str();
-    op.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI;
-    ::SHFileOperationW(&op);
-}
-
-bool UnderWine() {
-    HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
-    return ntdll != nullptr && ::GetProcAddress(ntdll, "wine_get_version") != nullptr;
+    const std::wstring list = path_ + L'\0'; // a shell list ends with two zeros
+    SHFILEOPSTRUCTW operation = {};
+    operation.wFunc = FO_DELETE;
+    operation.pFrom = list.c_str();
+    operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI;
+    ::SHFileOperationW(&operation);
 }
 
 std::wstring SecondDriveRoot() {
-    if (!UnderWine())
+    HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
+    if (ntdll == nullptr || ::GetProcAddress(ntdll, "wine_get_version") == nullptr)
         return std::wstring();
-    const std::wstring root = L"Z:\\tmp";
-    ::CreateDirectoryW(root.c_str(), nullptr);
-    return root;
+    ::CreateDirectoryW(L"Z:\\tmp", nullptr);
+    return L"Z:\\tmp";
 }
 
 std::string ReadFileBytes(const std::wstring& path) {
     HANDLE file =
         ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return std::string();
+                      nullptr, OPEN_EXISTING, 0, nullptr);
     std::string bytes;
     char buffer[65536];
     DWORD got = 0;
-    while (::ReadFile(file, buffer, sizeof(buffer), &got, nullptr) && got > 0)
+    while (file != INVALID_HANDLE_VALUE && ::ReadFile(file, buffer, sizeof(buffer), &got, nullptr) && got > 0)
         bytes.append(buffer, got);
     ::CloseHandle(file);
     return bytes;
 }
 
 bool WriteFileBytes(const std::wstring& path, const std::string& bytes) {
-    HANDLE file = ::CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return false;
+    HANDLE file =
+        ::CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr);
     DWORD written = 0;
-    const bool ok = bytes.empty() ||
-                    (::WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
-                     written == bytes.size());
+    const bool ok = file != INVALID_HANDLE_VALUE &&
+                    ::WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
     ::CloseHandle(file);
-    return ok;
+    return ok && written == bytes.size();
 }
 
 bool FileExists(const std::wstring& path) {
@@ -92,13 +63,10 @@ bool FileExists(const std::wstring& path) {
 }
 
 std::string Narrow(const std::wstring& text) {
-    if (text.empty())
-        return std::string();
-    const int n = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0,
-                                        nullptr, nullptr);
-    std::string out(static_cast<size_t>(n), '\0');
-    ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), &out[0], n, nullptr,
-                          nullptr);
+    std::string out(text.size() * 3, '\0');
+    out.resize(
+        static_cast<size_t>(::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
+                                                  &out[0], static_cast<int>(out.size()), nullptr, nullptr)));
     return out;
 }
 

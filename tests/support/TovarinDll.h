@@ -11,19 +11,17 @@ namespace TestSupport {
 // The folder of the running executable, with a trailing backslash.
 inline std::wstring ExecutableFolder() {
     wchar_t self[MAX_PATH] = {};
-    ::GetModuleFileNameW(nullptr, self, MAX_PATH);
-    const std::wstring path = self;
+    const std::wstring path(self, ::GetModuleFileNameW(nullptr, self, MAX_PATH));
     return path.substr(0, path.find_last_of(L'\\') + 1);
 }
 
+// Stands in for an export the DLL lacks: the test has failed already, the call gives R().
 template <class F> struct Missing;
-// Stands in for an export the DLL lacks: the test has already failed, the call gives R().
 template <class R, class... A> struct Missing<R(__cdecl*)(A...)> {
     static R __cdecl Call(A...) { return R(); }
 };
 
-class TovarinDll {
-public:
+struct TovarinDll {
     static HMODULE Module() {
         static HMODULE module = ::LoadLibraryW((ExecutableFolder() + L"Tovarin.dll").c_str());
         return module;
@@ -38,5 +36,5 @@ public:
 
 } // namespace TestSupport
 
-// The export `name` typed by its declaration in include/Tovarin.h.
+// The export `name`, typed by its declaration in include/Tovarin.h.
 #define TOVARIN_FN(name) ::TestSupport::TovarinDll::Get<decltype(&::name)>(#name)
