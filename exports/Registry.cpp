@@ -103,4 +103,3 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved) {
         Project::ReleaseAll();
     return TRUE;
 }
-

@@ -28,14 +28,15 @@ const char* BaseName(const char* path) noexcept {
     return base;
 }
 
-std::string LocationA(const Site& site) {
+std::string WhereA(const Site& site, const char* markers) {
     std::ostringstream line;
     line << site.line;
-    return std::string("File: \"") + BaseName(site.file) + "\"\r\nLine: " + line.str() + "\r\n";
+    return std::string(site.signature) + markers + "\r\nFile: \"" + BaseName(site.file) +
+           "\"\r\nLine: " + line.str() + "\r\n";
 }
 
 std::wstring WhereW(const Site& site, const char* markers) {
-    return CodingStr::AnsiToUnicode(std::string(site.signature) + markers + "\r\n" + LocationA(site), 0);
+    return CodingStr::AnsiToUnicode(WhereA(site, markers), 0);
 }
 
 void ThrowAt(const Site& site, const char* markers, const std::wstring& message, bool withLastError,

@@ -41,8 +41,9 @@ std::wstring EvaluateName(const char* registerType, long long poly, long long in
     // The parameters show as signed decimals, as the compiler's signature text shows them.
     std::ostringstream signature;
     signature << registerType << " __cdecl Utils::Hash::CRC<" << registerType << "," << poly << "," << init
-              << "," << xorOut << ">::Evaluate<" << textType << ">(const " << textType << " &)\r\n";
-    return CodingStr::AnsiToUnicode(signature.str() + Error::LocationA(Error::Site{"", file, line}), 0);
+              << "," << xorOut << ">::Evaluate<" << textType << ">(const " << textType << " &)";
+    const std::string text = signature.str();
+    return Error::WhereW(TOVARIN_FIXED_SITE(text.c_str(), file, line), "");
 }
 
 } // namespace detail
