@@ -5,8 +5,17 @@
 #include "../utils/Utils.Error.h"
 
 #include <string>
+#include <type_traits>
 
 namespace Project {
+
+// An export's row: the signature text its failure texts show and the result it returns after a
+// failure (a void export has none). ExportRows.h holds the 100 rows.
+template <class Result> struct Row {
+    const char* signature;
+    Result neutral;
+};
+template <> struct Row<void> { const char* signature; };
 
 // The library's module file name: the caption of every failure box.
 const std::wstring& ModuleName() noexcept;
@@ -16,10 +25,15 @@ void ReportNarrow(const Utils::Error::Site& site, const std::string& failure) no
 void ReportWide(const Utils::Error::Site& site, const std::wstring& failure) noexcept;
 void ReportUnknown(const Utils::Error::Site& site) noexcept;
 
+// Runs work() (or work(site), for work that names the export in its own checks) and returns its
+// result; after a failure, one box and the row's neutral result.
 template <class Result, class Work>
-Result Call(const Utils::Error::Site& site, const Result neutral, Work&& work) noexcept {
+Result Call(const Row<Result>& row, const Utils::Error::Site& site, Work&& work) noexcept {
     try {
-        return work();
+        if constexpr (std::is_invocable<Work&, const Utils::Error::Site&>::value)
+            return work(site);
+        else
+            return work();
     } catch (const std::string& failure) {
         ReportNarrow(site, failure);
     } catch (const std::wstring& failure) {
@@ -27,19 +41,11 @@ Result Call(const Utils::Error::Site& site, const Result neutral, Work&& work) n
     } catch (...) {
         ReportUnknown(site);
     }
-    return neutral;
-}
-
-template <class Work> void Call(const Utils::Error::Site& site, Work&& work) noexcept {
-    try {
-        work();
-    } catch (const std::string& failure) {
-        ReportNarrow(site, failure);
-    } catch (const std::wstring& failure) {
-        ReportWide(site, failure);
-    } catch (...) {
-        ReportUnknown(site);
-    }
+    if constexpr (!std::is_void<Result>::value)
+        return row.neutral;
 }
 
 } // namespace Project
+
+// An export's row and the place of its body, which its failure texts show.
+#define TOVARIN_ROW(name) ::Project::Rows::name, TOVARIN_SITE(::Project::Rows::name.signature)

@@ -1,16 +1,16 @@
 #!/usr/bin/env python3
 """The one list of Tovarin's 100 exports and the files made from it.
 
-Writes include/Tovarin.h (C prototypes), tests/support/ExportTable.h (the table that code and
-tests share), mql5/Include/Tovarin.mqh (the imports plain MQL5 can call, followed by the helpers of
-mql5/Tovarin.helpers.mqh as they stand), mql5/Include/TovarinRaw.mqh (the imports that take or
-return addresses) and the reference section of README.md (between its "exports:begin" and
-"exports:end" marks). The outputs are committed as
-plain sources: the build never runs this script. After editing the list:
+Writes exports/Tovarin.def (the DLL's export table), exports/ExportRows.h (each export's signature
+text and neutral result, which the exports' source uses), include/Tovarin.h (C prototypes),
+tests/support/ExportTable.h (the table that tests share), mql5/Include/Tovarin.mqh (the imports
+plain MQL5 can call, followed by the helpers of mql5/Tovarin.helpers.mqh as they stand),
+mql5/Include/TovarinRaw.mqh (the imports that take or return addresses) and the reference section
+of README.md (between its "exports:begin" and "exports:end" marks). The outputs are committed as
+plain sources; `make test` runs the check. After editing the list:
 
-    scripts/generate-exports.py            # rewrite the three files (C/C++ through clang-format)
+    scripts/generate-exports.py            # rewrite the files (C/C++ through clang-format)
     scripts/generate-exports.py --check    # fail when a committed file differs from the list
-    scripts/generate-exports.py --def      # print the EXPORTS section of a module-definition file
 """
 import argparse
 import os
@@ -677,6 +677,55 @@ def make_readme():
     return text[:begin] + make_reference().lstrip("\n") + "\n" + text[end:]
 
 
+def make_def():
+    return "; %s\nLIBRARY Tovarin\nEXPORTS\n" % GENERATED + "".join("    %s\n" % e.name for e in EXPORTS)
+
+
+ROWS_TOP = """\
+// %s
+// The signature text of each export, as its failure texts show it, and the neutral result it returns
+// after a failure; the exports' source takes both from here.
+#pragma once
+#include "Frame.h"
+
+namespace Project {
+namespace Rows {
+
+"""
+
+ROWS_BOTTOM = """
+} // namespace Rows
+} // namespace Project
+
+// X(name) for each export, in the order of the exports' source.
+// clang-format off
+#define TOVARIN_EXPORTS(X) \\
+%s
+// clang-format on
+"""
+
+
+def cpp_neutral(e):
+    if e.neutral == ALL_BITS:
+        return "~0ull"
+    if e.neutral == "null":
+        return "nullptr"
+    if e.neutral == "0.0":
+        return "0.0f" if e.result == "float" else "0.0"
+    return e.neutral
+
+
+def make_rows():
+    out = [ROWS_TOP % GENERATED]
+    for e in EXPORTS:
+        if e.neutral == "none":
+            out.append('inline constexpr Row<void> %s = {"%s"};\n' % (e.name, signature(e)))
+        else:
+            out.append('inline constexpr Row<%s> %s = {"%s", %s};\n' % (e.result, e.name, signature(e), cpp_neutral(e)))
+    names = " \\\n".join("    X(%s)" % e.name for e in EXPORTS)
+    return "".join(out) + ROWS_BOTTOM % names
+
+
 # ---------------------------------------------------------------------------------------------
 def clang_format(text, path):
     done = subprocess.run(["clang-format", "--assume-filename=" + path, "--style=file"], input=text.encode(),
@@ -684,7 +733,8 @@ def clang_format(text, path):
     return done.stdout.decode()
 
 
-OUTPUTS = [("include/Tovarin.h", make_header, True), ("tests/support/ExportTable.h", make_table, True),
+OUTPUTS = [("exports/Tovarin.def", make_def, False), ("exports/ExportRows.h", make_rows, True),
+           ("include/Tovarin.h", make_header, True), ("tests/support/ExportTable.h", make_table, True),
            ("mql5/Include/Tovarin.mqh", make_mqh, False), ("mql5/Include/TovarinRaw.mqh", make_raw_mqh, False),
            ("README.md", make_readme, False)]
 
@@ -692,13 +742,7 @@ OUTPUTS = [("include/Tovarin.h", make_header, True), ("tests/support/ExportTable
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--check", action="store_true", help="compare instead of writing")
-    parser.add_argument("--def", dest="def_", action="store_true", help="print the EXPORTS section")
     options = parser.parse_args()
-    if options.def_:
-        print("LIBRARY Tovarin\nEXPORTS")
-        for e in EXPORTS:
-            print("    " + e.name)
-        return 0
     stale = []
     for relative, make, formatted in OUTPUTS:
         text = make()

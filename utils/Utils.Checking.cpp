@@ -10,27 +10,21 @@ namespace detail {
 
 namespace {
 
-#define TOVARIN_WSTRING_REF                                                                                  \
-    "const class std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class std::allocator<wchar_t> "  \
-    "> &"
-
 const char kDirect64[] =
     "unsigned __int64 __cdecl Utils::Checking::CountDirect<unsigned __int64,unsigned __int64,"
-    "unsigned __int64>(" TOVARIN_WSTRING_REF
-    ",const unsigned __int64,const unsigned __int64,const unsigned __int64)";
+    "unsigned __int64>(const " TOVARIN_WSTRING
+    " &,const unsigned __int64,const unsigned __int64,const unsigned __int64)";
 const char kDirect32[] =
     "unsigned long __cdecl Utils::Checking::CountDirect<unsigned __int64,unsigned long,"
-    "unsigned long>(" TOVARIN_WSTRING_REF ",const unsigned __int64,const unsigned long,const "
+    "unsigned long>(const " TOVARIN_WSTRING " &,const unsigned __int64,const unsigned long,const "
     "unsigned long)";
 const char kDirectOther[] =
-    "Count __cdecl Utils::Checking::CountDirect<Total,Start,Count>(" TOVARIN_WSTRING_REF
-    ",const Total,const Start,const Count)";
+    "Count __cdecl Utils::Checking::CountDirect<Total,Start,Count>(const " TOVARIN_WSTRING
+    " &,const Total,const Start,const Count)";
 const char kReverse64[] =
     "unsigned __int64 __cdecl Utils::Checking::CountReverse<unsigned __int64,unsigned __int64,"
-    "unsigned __int64>(" TOVARIN_WSTRING_REF
-    ",const unsigned __int64,unsigned __int64 &,const unsigned __int64)";
-
-#undef TOVARIN_WSTRING_REF
+    "unsigned __int64>(const " TOVARIN_WSTRING
+    " &,const unsigned __int64,unsigned __int64 &,const unsigned __int64)";
 
 const char* Signature(Instance instance) {
     switch (instance) {
@@ -73,7 +67,7 @@ void Log(const std::wstring& message) {
 
 [[noreturn]] void RefuseRange(Instance instance, const std::wstring& message) {
     Log(message);
-    TOVARIN_THROW_MARKED(Signature(instance), "[f][d]", false, message);
+    TOVARIN_THROW_AT(TOVARIN_SITE(Signature(instance)), "[f][d]", false, message);
 }
 
 } // namespace
@@ -82,8 +76,8 @@ void DirectRefused(Instance instance, const std::wstring& method, unsigned __int
                    unsigned __int64 start, unsigned __int64 count) {
     // Asking for nothing is an error, not an empty result.
     if (count == 0)
-        TOVARIN_THROW_MARKED(Signature(instance), "[f][d]", false,
-                             L"В методе\n" + method + L"\r\nОтсутствует количество элементов.");
+        TOVARIN_THROW_AT(TOVARIN_SITE(Signature(instance)), "[f][d]", false,
+                         L"В методе\n" + method + L"\r\nОтсутствует количество элементов.");
     // With a zero total any start is beyond the end: both lines stand.
     RefuseRange(instance, RangeMessage(method, total == 0, true, total, start, count));
 }

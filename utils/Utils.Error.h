@@ -22,11 +22,10 @@ struct Site {
 // The file name with its extension, without the folders of the build machine.
 const char* BaseName(const char* path) noexcept;
 
-// "File: \"<base name>\"\r\nLine: <line>\r\n".
-std::string LocationA(const Site& site);
-
-// The where-text of a site: signature + markers + "\r\n" + location, as UTF-16.
-// `markers` is "[f]" for a function, "[f][d]" for a failure detected by a checker.
+// The where-text of a site: signature + markers + "\r\n" + "File: \"<base name>\"\r\nLine: <line>\r\n".
+// `markers` is "[f]" for a function, "[f][d]" for a failure detected by a checker. The wide form is
+// the 8-bit one converted with the system code page.
+std::string WhereA(const Site& site, const char* markers = "[f]");
 std::wstring WhereW(const Site& site, const char* markers = "[f]");
 
 // Composes the failure text of `site` with `message` and throws it as std::wstring.
@@ -107,23 +106,28 @@ constexpr unsigned int kErrorStyle = 0x50010;  // MB_ICONERROR|MB_SETFOREGROUND|
 } // namespace Error
 } // namespace Utils
 
-// The spelling of the wide string type inside signature texts.
+// The spellings of the string types inside signature texts (as the failure texts show them).
 #define TOVARIN_WSTRING                                                                                      \
     "class std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class std::allocator<wchar_t> >"
 #define TOVARIN_STRING                                                                                       \
     "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> >"
 
-// The one way to throw: TOVARIN_THROW(signature text, with last error?, message expression).
+// The place of a throw or check: the signature text, this source file and this line.
+#define TOVARIN_SITE(signature) (::Utils::Error::Site{signature, __FILE__, __LINE__})
+// A place whose file or line the failure texts show as a fixed value, whatever the layout of the
+// source that holds it: the texts users have seen and quote keep their numbers.
+#define TOVARIN_FIXED_SITE(signature, file, line) (::Utils::Error::Site{signature, file, line})
+
+// The one way to throw: TOVARIN_THROW(signature text, with last error?, message expression), or
+// TOVARIN_THROW_AT(site, markers, with last error?, message) for a fixed site or other markers.
 // The last error is saved before the message is built.
-#define TOVARIN_THROW_MARKED(signature, markers, withLastError, message)                                     \
+#define TOVARIN_THROW_AT(site, markers, withLastError, message)                                              \
     do {                                                                                                     \
         const unsigned long tovarinLastError_ = ::Utils::Error::detail::LastError();                         \
-        ::Utils::Error::ThrowAt(::Utils::Error::Site{signature, __FILE__, __LINE__}, markers, (message),     \
-                                (withLastError), tovarinLastError_);                                         \
+        ::Utils::Error::ThrowAt(site, markers, (message), (withLastError), tovarinLastError_);               \
     } while (0)
 #define TOVARIN_THROW(signature, withLastError, message)                                                     \
-    TOVARIN_THROW_MARKED(signature, "[f]", withLastError, message)
-#define TOVARIN_SITE(signature) (::Utils::Error::Site{signature, __FILE__, __LINE__})
+    TOVARIN_THROW_AT(TOVARIN_SITE(signature), "[f]", withLastError, message)
 
 namespace Utils {
 namespace Error {

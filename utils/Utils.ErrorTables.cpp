@@ -536,10 +536,12 @@ template <const Table& table> std::string NarrowBlock(const Entry& entry) {
 }
 
 const long kServerResponse = 12003;
-const Site kInternetWSite = {TOVARIN_WSTRING " __cdecl Utils::Error::InternetW(const long)",
-                             "Utils.Error.cpp", 825};
-const Site kInternetASite = {TOVARIN_STRING " __cdecl Utils::Error::InternetA(const long)", "Utils.Error.cpp",
-                             825};
+// The describer's notices name its own source and lines, fixed on purpose (see TOVARIN_FIXED_SITE).
+const char kDescriberSource[] = "Utils.Error.cpp";
+const Site kInternetWSite =
+    TOVARIN_FIXED_SITE(TOVARIN_WSTRING " __cdecl Utils::Error::InternetW(const long)", kDescriberSource, 825);
+const Site kInternetASite =
+    TOVARIN_FIXED_SITE(TOVARIN_STRING " __cdecl Utils::Error::InternetA(const long)", kDescriberSource, 825);
 const wchar_t kResponseFailed[] = L"Ошибка получения расширенного описания интернет-ошибки.";
 
 // The server's last response, without the terminating zero that the length counts.
@@ -601,8 +603,8 @@ std::wstring DialogDescriptionOfLastError() {
 
 std::wstring ShellDescriptionOfLastError() {
     const int code = static_cast<int>(::GetLastError());
-    const Site site = {TOVARIN_WSTRING " __cdecl Utils::Error::DescriptionW<int>(int)", "Utils.Error.cpp",
-                       522};
+    const Site site = TOVARIN_FIXED_SITE(TOVARIN_WSTRING " __cdecl Utils::Error::DescriptionW<int>(int)",
+                                         kDescriberSource, 522);
     ShowNoticeW(
         L"Utils::Error::DescriptionW",
         ComposeFailureTextW(WhereW(site),
@@ -613,7 +615,8 @@ std::wstring ShellDescriptionOfLastError() {
 }
 
 std::wstring UnknownCodeType() {
-    const Site site = TOVARIN_SITE(TOVARIN_WSTRING " __cdecl Utils::Error::DescriptionW<T>(T)");
+    const Site site = TOVARIN_FIXED_SITE(TOVARIN_WSTRING " __cdecl Utils::Error::DescriptionW<T>(T)",
+                                         kDescriberSource, __LINE__);
     ShowNoticeW(L"Utils::Error::DescriptionW",
                 ComposeFailureTextW(
                     WhereW(site),

@@ -18,10 +18,30 @@ const char kHardLink[] =
     "void __cdecl Utils::File::HardLink(const " TOVARIN_WSTRING " &,const " TOVARIN_WSTRING " &)";
 } // namespace
 
+SystemCalls& Sys() {
+    static SystemCalls calls = {&::CreateFileW,     &::ReadFile,        &::WriteFile,
+                                &::SetEndOfFile,    &::CloseHandle,     &::CreateSymbolicLinkW,
+                                &::CreateHardLinkW, &::SHFileOperationW};
+    return calls;
+}
+
+bool IsDriveFolder(const std::wstring& folder) {
+    const size_t at = folder.rfind(L"\\\\?\\", 0) == 0 ? 4 : 0;
+    if (folder.size() < at + 3 || folder[at + 1] != L':' || folder[at + 2] != L'\\')
+        return false;
+    const wchar_t drive = folder[at];
+    return (drive >= L'A' && drive <= L'Z') || (drive >= L'a' && drive <= L'z');
+}
+
 bool CreateFolder(const std::wstring& folder) {
-    const DWORD attributes = ::GetFileAttributesW(folder.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-        return true;
+    // The shell would find an existing absolute folder on a drive and report it as existing; every
+    // other folder goes to the shell, which refuses a relative one (".", "..", "name") with 161,
+    // whether or not it happens to exist under the current folder.
+    if (IsDriveFolder(folder)) {
+        const DWORD attributes = ::GetFileAttributesW(folder.c_str());
+        if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+            return true;
+    }
     const int result = ::SHCreateDirectoryExW(nullptr, folder.c_str(), nullptr);
     return result == ERROR_SUCCESS || result == ERROR_FILE_EXISTS || result == ERROR_ALREADY_EXISTS;
 }
@@ -46,7 +66,7 @@ bool FileOperation(const std::wstring& from, const std::wstring& to, const unsig
     if (wFunc < FO_MOVE || wFunc > FO_RENAME)
         TOVARIN_THROW(kFileOperation, false,
                       L"Неверно выбран параметр выбора операции.\r\nwFunc = " + std::to_wstring(wFunc));
-    return ::SHFileOperationW(&operation) == 0 && !operation.fAnyOperationsAborted;
+    return Sys().fileOperation(&operation) == 0 && !operation.fAnyOperationsAborted;
 }
 
 bool DeletePath(const std::wstring& path) {
@@ -58,7 +78,7 @@ bool SymbolicLink(const std::wstring& link, const std::wstring& target, const bo
     const std::wstring folder = String::Path::TrimNameFileCW(link, 0);
     if (!CreateFolder(folder))
         TOVARIN_THROW(kSymbolicLink, false, L"Не создан для символьной ссылки каталог:\n\"" + folder + L"\"");
-    return ::CreateSymbolicLinkW(link.c_str(), target.c_str(), 0) != 0;
+    return Sys().createSymbolicLink(link.c_str(), target.c_str(), 0) != 0;
 }
 
 } // namespace MainFile
@@ -78,7 +98,7 @@ void HardLink(const std::wstring& source, const std::wstring& link) {
     if (!CreateFolder(folder))
         TOVARIN_THROW(kHardLink, false, L"Для жёсткой ссылки не создан каталог:\r\n\"" + folder + L"\"");
     ::SetLastError(0);
-    if (::CreateHardLinkW(link.c_str(), source.c_str(), nullptr))
+    if (Sys().createHardLink(link.c_str(), source.c_str(), nullptr))
         return;
     if (::GetLastError() == 0)
         TOVARIN_THROW(

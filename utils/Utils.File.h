@@ -1,8 +1,40 @@
 #pragma once
-// File-system operations on plain paths: shell copy, move and delete, hard and symbolic links.
+// File-system operations on plain paths: shell copy, move and delete, hard and symbolic links; and
+// the table through which the file layer makes the system calls that tests need to make fail.
+#include <windows.h>
+#include <shellapi.h>
+
 #include <string>
 
 namespace Utils {
+
+// The system calls that tests make fail, reached through one table so that a fault test needs no
+// special disk. Defaults are the real calls.
+struct SystemCalls {
+    decltype(&::CreateFileW) createFile;
+    decltype(&::ReadFile) readFile;
+    decltype(&::WriteFile) writeFile;
+    decltype(&::SetEndOfFile) setEndOfFile;
+    decltype(&::CloseHandle) closeHandle;
+    decltype(&::CreateSymbolicLinkW) createSymbolicLink;
+    decltype(&::CreateHardLinkW) createHardLink;
+    decltype(&::SHFileOperationW) fileOperation;
+};
+SystemCalls& Sys();
+
+// Puts back the calls it found when it ends, also when a test's assertion leaves early.
+class [[nodiscard]] ScopedSystemCalls {
+public:
+    ScopedSystemCalls() : saved_(Sys()) {}
+    ~ScopedSystemCalls() { Sys() = saved_; }
+    ScopedSystemCalls(const ScopedSystemCalls&) = delete;
+    ScopedSystemCalls& operator=(const ScopedSystemCalls&) = delete;
+
+    SystemCalls* operator->() { return &Sys(); }
+
+private:
+    const SystemCalls saved_;
+};
 
 namespace MainFile {
 // One silent shell operation (1 move, 2 copy, 3 delete, 4 rename); true when it succeeded and
@@ -20,8 +52,12 @@ namespace File {
 void HardLink(const std::wstring& source, const std::wstring& link);
 } // namespace File
 
-// Creates `folder` with every missing parent; true when it exists afterwards. A folder that is
-// already there costs one attribute query.
+// "X:\..." or "\\?\X:\...": an absolute folder on a drive letter.
+bool IsDriveFolder(const std::wstring& folder);
+
+// Creates `folder` with every missing parent through the shell, which accepts only absolute
+// folders; true when it exists afterwards. An absolute folder on a drive that is already there
+// costs one attribute query.
 bool CreateFolder(const std::wstring& folder);
 
 } // namespace Utils

@@ -39,21 +39,11 @@ const char kHardLink[] = "void __cdecl " FILEHDD "HardLink(const " TOVARIN_WSTRI
 
 typedef Sync::Lock<Sync::CriticalSection> Guard;
 
-// "X:\..." or "\\?\X:\...": a folder on a drive letter, absolute.
-bool IsDriveFolder(const std::wstring& folder) {
-    const size_t at = folder.rfind(L"\\\\?\\", 0) == 0 ? 4 : 0;
-    if (folder.size() < at + 3 || folder[at + 1] != L':' || folder[at + 2] != L'\\')
-        return false;
-    const wchar_t drive = folder[at];
-    return (drive >= L'A' && drive <= L'Z') || (drive >= L'a' && drive <= L'z');
-}
+static_assert(FileHdd::kDefaultAccess == (GENERIC_READ | GENERIC_WRITE), "read and write by default");
+static_assert(FileHdd::kDefaultShare == (FILE_SHARE_READ | FILE_SHARE_WRITE), "shared for both by default");
+static_assert(FileHdd::kDefaultFlags == FILE_ATTRIBUTE_NORMAL, "plain files");
 
 } // namespace
-
-SystemCalls& Sys() {
-    static SystemCalls calls = {&::CreateFileW, &::ReadFile, &::WriteFile, &::SetEndOfFile};
-    return calls;
-}
 
 ChunkPlan PlanChunks(const unsigned __int64 size) {
     ChunkPlan plan = {size / kLargestCall + (size % kLargestCall != 0 ? 1 : 0), 0};
@@ -126,12 +116,6 @@ void FileHdd::Init(const std::wstring& path, void* const handle, const bool clos
     const size_t nameDot = fileName_.rfind(L'.');
     baseName_ = hasExtension && nameDot != std::wstring::npos ? fileName_.substr(0, nameDot) : fileName_;
     MakeEvent();
-    // A second guard, kept after the event as it always stood.
-    if (path_.empty() && handle_ == nullptr)
-        TOVARIN_THROW(
-            kInit, false,
-            L"Не указаны путь к файлу и системный дескриптор файла.\r\nНеобходимо указать хотя бы один "
-            L"инициализатор.");
 }
 
 void* FileHdd::_Create(const std::wstring& path, const unsigned long disposition) {
@@ -177,7 +161,7 @@ void FileHdd::_Close(void* const handle) {
     ::SetLastError(0);
     if (handle == nullptr)
         return;
-    if (!::CloseHandle(handle)) {
+    if (!Sys().closeHandle(handle)) {
         std::wostringstream text;
         text << L"Не закрыт файл:" << std::endl
              << L"\"" << path_ << L"\"" << std::endl
@@ -225,6 +209,13 @@ std::wstring FileHdd::PathByHandle(void* const handle) {
         TOVARIN_THROW(kPathByHandle, true, L"Не получен путь к файлу.");
     path.resize(written < length ? written : length);
     return path;
+}
+
+void FileHdd::RequirePath(const Error::Site& site, const wchar_t* purpose) const {
+    if (path_.empty())
+        TOVARIN_THROW_AT(site, "[f]", false,
+                         std::wstring(L"Отсутствует путь к исходному файлу.\r\nДля ") + purpose +
+                             L" необходимо инициализировать класс путём к файлу.");
 }
 
 void FileHdd::CheckTransfer(bool write, void* const handle) const {
@@ -355,21 +346,13 @@ template __int64 FileHdd::Resize<unsigned __int64>(const unsigned __int64);
 
 bool FileHdd::Copy(const std::wstring& to) {
     Guard guard(lock_);
-    if (path_.empty())
-        TOVARIN_THROW(
-            kCopy, false,
-            L"Отсутствует путь к исходному файлу.\r\nДля копирования файла необходимо инициализировать "
-            L"класс путём к файлу.");
+    RequirePath(TOVARIN_SITE(kCopy), L"копирования файла");
     return MainFile::FileOperation(path_, to, FO_COPY);
 }
 
 bool FileHdd::Move(const std::wstring& to) {
     Guard guard(lock_);
-    if (path_.empty())
-        TOVARIN_THROW(
-            kMove, false,
-            L"Отсутствует путь к исходному файлу.\r\nДля перемещения файла необходимо инициализировать "
-            L"класс путём к файлу.");
+    RequirePath(TOVARIN_SITE(kMove), L"перемещения файла");
     if (!MainFile::FileOperation(path_, to, FO_MOVE))
         return false;
     path_ = to;
@@ -379,11 +362,7 @@ bool FileHdd::Move(const std::wstring& to) {
 
 bool FileHdd::Delete() {
     Guard guard(lock_);
-    if (path_.empty())
-        TOVARIN_THROW(
-            kDelete, false,
-            L"Отсутствует путь к исходному файлу.\r\nДля удаления файла необходимо инициализировать "
-            L"класс путём к файлу.");
+    RequirePath(TOVARIN_SITE(kDelete), L"удаления файла");
     if (handle_ != nullptr)
         _Close(handle_);
     handle_ = nullptr;
@@ -392,11 +371,7 @@ bool FileHdd::Delete() {
 
 void FileHdd::HardLink(const std::wstring& link) {
     Guard guard(lock_);
-    if (path_.empty())
-        TOVARIN_THROW(
-            kHardLink, false,
-            L"Отсутствует путь к исходному файлу.\r\nДля создания жёсткой ссылки на файл необходимо "
-            L"инициализировать класс путём к файлу.");
+    RequirePath(TOVARIN_SITE(kHardLink), L"создания жёсткой ссылки на файл");
     File::HardLink(path_, link);
 }
 

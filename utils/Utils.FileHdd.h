@@ -3,6 +3,8 @@
 // arguments of the next open, and the locks that serialise every operation on it. The raw
 // operations take the handle as an argument, so they can work on any handle under the object's
 // lock; every failure is thrown as a composed failure text.
+#include "Utils.Error.h"
+#include "Utils.File.h"
 #include "Utils.Smart.h"
 #include "Utils.Synchronize.h"
 
@@ -22,16 +24,6 @@ public:
     virtual unsigned __int64 _Write(H const handle, const void* buffer, const unsigned __int64 size) = 0;
 };
 
-// The system calls that tests make fail, reached through one table so that a fault test needs no
-// special disk. Defaults are the real calls.
-struct SystemCalls {
-    decltype(&::CreateFileW) createFile;
-    decltype(&::ReadFile) readFile;
-    decltype(&::WriteFile) writeFile;
-    decltype(&::SetEndOfFile) setEndOfFile;
-};
-SystemCalls& Sys();
-
 // The largest count that one ReadFile or WriteFile call takes.
 const unsigned long kLargestCall = 0xFFFFFFFFul;
 
@@ -41,6 +33,11 @@ struct ChunkPlan {
     unsigned long last;     // length of the last call
 };
 ChunkPlan PlanChunks(const unsigned __int64 size);
+
+// The creation dispositions that the open and create exports pass, as CreateFileW takes them.
+static_assert(CREATE_NEW == 1 && CREATE_ALWAYS == 2 && OPEN_EXISTING == 3 && OPEN_ALWAYS == 4 &&
+                  TRUNCATE_EXISTING == 5,
+              "the dispositions are the row numbers of their names");
 
 // Names of the creation dispositions 0..5 in failure texts; "EMPTY" for any other value.
 const wchar_t* DispositionName(const unsigned long disposition);
@@ -102,20 +99,21 @@ public:
     const std::wstring& FileName() const { return fileName_; }
     const std::wstring& BaseName() const { return baseName_; }
     const std::wstring& Extension() const { return extension_; }
-    bool CloseOnRelease() const { return closeOnRelease_; }
     unsigned long Access() const { return access_; }
     unsigned long Share() const { return share_; }
-    unsigned long Flags() const { return flags_; }
     void SetAccess(const unsigned long access) { access_ = access; }
     void SetShare(const unsigned long share) { share_ = share; }
     const std::wstring& EventName() const { return fileEvent_.Name(); }
     Sync::CriticalSection& Lock() { return lock_; }
 
-    static const unsigned long kDefaultAccess = 0xC0000000; // GENERIC_READ | GENERIC_WRITE
-    static const unsigned long kDefaultFlags = 0x80;        // FILE_ATTRIBUTE_NORMAL
-    static const unsigned long kDefaultShare = 3;           // FILE_SHARE_READ | FILE_SHARE_WRITE
+    static constexpr unsigned long kDefaultAccess = 0xC0000000; // GENERIC_READ | GENERIC_WRITE
+    static constexpr unsigned long kDefaultFlags = 0x80;        // FILE_ATTRIBUTE_NORMAL
+    static constexpr unsigned long kDefaultShare = 3;           // FILE_SHARE_READ | FILE_SHARE_WRITE
 
 private:
+    // ReadHeld and WriteHeld: one call inline, anything else through Transfer.
+    unsigned __int64 TransferHeld(const bool write, void* const handle, void* buffer,
+                                  const unsigned __int64 size);
     // The chunked transfer, with the lock held.
     unsigned __int64 Transfer(bool write, void* const handle, void* buffer, const unsigned __int64 size);
     // CheckHandle with the signature of _Write or _Read. The held transfers call it for a null
@@ -125,6 +123,9 @@ private:
     [[noreturn]] void TransferFailed(bool write, void* const handle, const unsigned __int64 iteration,
                                      const unsigned long length, const unsigned long done);
     void MakeEvent();
+    // Throws "Отсутствует путь к исходному файлу." with `purpose` ("копирования файла", ...) when
+    // the object has no path; `site` is the refused operation's.
+    void RequirePath(const Error::Site& site, const wchar_t* purpose) const;
 
     void* handle_;
     std::wstring path_;
@@ -141,31 +142,29 @@ private:
     Sync::Event fileEvent_;
 };
 
-inline unsigned __int64 FileHdd::ReadHeld(void* const handle, void* buffer, const unsigned __int64 size) {
+inline unsigned __int64 FileHdd::TransferHeld(const bool write, void* const handle, void* buffer,
+                                              const unsigned __int64 size) {
     if (size == 0 || size > kLargestCall)
-        return Transfer(false, handle, buffer, size);
+        return Transfer(write, handle, buffer, size);
     if (handle == nullptr)
-        CheckTransfer(false, handle);
+        CheckTransfer(write, handle);
     ::SetLastError(0);
     const DWORD length = static_cast<DWORD>(size);
     DWORD done = 0;
-    if (!Sys().readFile(handle, buffer, length, &done, nullptr) || done != length)
-        TransferFailed(false, handle, 0, length, done);
+    const BOOL ok = write ? Sys().writeFile(handle, buffer, length, &done, nullptr)
+                          : Sys().readFile(handle, buffer, length, &done, nullptr);
+    if (!ok || done != length)
+        TransferFailed(write, handle, 0, length, done);
     return done;
+}
+
+inline unsigned __int64 FileHdd::ReadHeld(void* const handle, void* buffer, const unsigned __int64 size) {
+    return TransferHeld(false, handle, buffer, size);
 }
 
 inline unsigned __int64 FileHdd::WriteHeld(void* const handle, const void* buffer,
                                            const unsigned __int64 size) {
-    if (size == 0 || size > kLargestCall)
-        return Transfer(true, handle, const_cast<void*>(buffer), size);
-    if (handle == nullptr)
-        CheckTransfer(true, handle);
-    ::SetLastError(0);
-    const DWORD length = static_cast<DWORD>(size);
-    DWORD done = 0;
-    if (!Sys().writeFile(handle, buffer, length, &done, nullptr) || done != length)
-        TransferFailed(true, handle, 0, length, done);
-    return done;
+    return TransferHeld(true, handle, const_cast<void*>(buffer), size);
 }
 
 } // namespace Utils

@@ -109,19 +109,17 @@ namespace detail {
 std::wstring EvaluateName(const char* registerType, long long poly, long long init, long long xorOut,
                           const char* textType, const char* file, int line);
 
+// The line Evaluate's where-text shows, fixed on purpose (see TOVARIN_FIXED_SITE).
+const int kEvaluateLine = 338;
+
 template <class S> struct TextTypeName {
     static const char* Get() { return "T"; }
 };
 template <> struct TextTypeName<std::string> {
-    static const char* Get() {
-        return "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> >";
-    }
+    static const char* Get() { return TOVARIN_STRING; }
 };
 template <> struct TextTypeName<std::wstring> {
-    static const char* Get() {
-        return "class std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class "
-               "std::allocator<wchar_t> >";
-    }
+    static const char* Get() { return TOVARIN_WSTRING; }
 };
 } // namespace detail
 
@@ -147,7 +145,7 @@ public:
         // The width depends on the type only: asked once per type.
         static const bool wide = Type::IsWide<S>(detail::EvaluateName(
             TypeName(), static_cast<long long>(Poly), static_cast<long long>(Init),
-            static_cast<long long>(XorOut), detail::TextTypeName<S>::Get(), __FILE__, __LINE__));
+            static_cast<long long>(XorOut), detail::TextTypeName<S>::Get(), __FILE__, detail::kEvaluateLine));
         const std::size_t size = text.size() * (wide ? 2 : 1);
         const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text.data());
         Register value = Init;

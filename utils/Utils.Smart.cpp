@@ -13,6 +13,12 @@ const char kDropId[] = "void __cdecl Utils::Smart::WeakFactory::DropId(const int
 const char kEquals[] = "bool __cdecl Utils::Smart::Base::Equals(class Utils::Smart::Base *)";
 const char kLess[] = "bool __cdecl Utils::Smart::Base::Less(class Utils::Smart::Base *)";
 
+// The lines these failure texts show, fixed on purpose (see TOVARIN_FIXED_SITE).
+const int kReleaseLine = 350;
+const int kDropIdLine = 249;
+const int kEqualsLine = 376;
+const int kLessLine = 401;
+
 typedef Sync::Lock<Sync::CriticalSection> SmartGuard;
 
 // The smart-pointer lock exists before any export can run.
@@ -21,22 +27,24 @@ const bool kSmartLockReady = (Sync::SmartLock(), true);
 
 Base::~Base() {}
 
+namespace {
+// The base comparisons refuse: a class compared inside smart-pointer containers defines its own.
+[[noreturn]] void RefuseComparison(const Error::Site& site, const wchar_t* condition, const wchar_t* method) {
+    TOVARIN_THROW_AT(site, "[f]", false,
+                     std::wstring(L"Метод позволяет сравнивать объекты по условию \"") + condition +
+                         L"\" внутри класса умного указателя.\r\n"
+                         L"Для использования этого метода необходимо определить его в своём коде.\r\n"
+                         L"Основной метод \"Utils::Smart::Base::" +
+                         method + L"()\".\r\nТщательно проверьте этот метод, если он нужен.");
+}
+} // namespace
+
 bool Base::Equals(Base*) {
-    TOVARIN_THROW(
-        kEquals, false,
-        L"Метод позволяет сравнивать объекты по условию \"равно\" внутри класса умного указателя.\r\n"
-        L"Для использования этого метода необходимо определить его в своём коде.\r\n"
-        L"Основной метод \"Utils::Smart::Base::Equals()\".\r\n"
-        L"Тщательно проверьте этот метод, если он нужен.");
+    RefuseComparison(TOVARIN_FIXED_SITE(kEquals, __FILE__, kEqualsLine), L"равно", L"Equals");
 }
 
 bool Base::Less(Base*) {
-    TOVARIN_THROW(
-        kLess, false,
-        L"Метод позволяет сравнивать объекты по условию \"меньше\" внутри класса умного указателя.\r\n"
-        L"Для использования этого метода необходимо определить его в своём коде.\r\n"
-        L"Основной метод \"Utils::Smart::Base::Less()\".\r\n"
-        L"Тщательно проверьте этот метод, если он нужен.");
+    RefuseComparison(TOVARIN_FIXED_SITE(kLess, __FILE__, kLessLine), L"меньше", L"Less");
 }
 
 void Base::Release() {
@@ -58,7 +66,8 @@ bool Base::ReleaseHeld() {
         return false;
     }
     if (count < 0)
-        TOVARIN_THROW(kRelease, false, L"Отрицательное значение счётчика указателей.");
+        TOVARIN_THROW_AT(TOVARIN_FIXED_SITE(kRelease, __FILE__, kReleaseLine), "[f]", false,
+                         L"Отрицательное значение счётчика указателей.");
     return count == 0;
 }
 
@@ -95,7 +104,8 @@ void WeakFactory::DropId(const int id) {
     SmartGuard guard(Sync::SmartLock());
     const auto found = objects_.lower_bound(id);
     if (found == objects_.end() || found->first != id)
-        TOVARIN_THROW(kDropId, false, L"Не удалось найти объект с ID = " + std::to_wstring(id));
+        TOVARIN_THROW_AT(TOVARIN_FIXED_SITE(kDropId, __FILE__, kDropIdLine), "[f]", false,
+                         L"Не удалось найти объект с ID = " + std::to_wstring(id));
     // The entry leaves the map before its count is released, and the object forgets its
     // identifier first, so that this release cannot come back here for the same identifier.
     Pointer<Base> held(std::move(found->second));

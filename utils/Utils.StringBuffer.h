@@ -31,16 +31,16 @@ namespace detail {
 
 // Signature texts of the buffer's members, as the failure headings show them.
 template <class C> struct StringBufTexts;
-template <> struct StringBufTexts<char> {
-    TOVARIN_BUFFER_TEXTS("char", "class std::basic_string<char,struct std::char_traits<char>,class "
-                                 "std::allocator<char> >")
-};
-template <> struct StringBufTexts<wchar_t> {
-    TOVARIN_BUFFER_TEXTS("wchar_t", "class std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class "
-                                    "std::allocator<wchar_t> >")
-};
+template <> struct StringBufTexts<char> { TOVARIN_BUFFER_TEXTS("char", TOVARIN_STRING) };
+template <> struct StringBufTexts<wchar_t> { TOVARIN_BUFFER_TEXTS("wchar_t", TOVARIN_WSTRING) };
 
 #undef TOVARIN_BUFFER_TEXTS
+
+// The lines the buffer's failure texts show, fixed on purpose (see TOVARIN_FIXED_SITE).
+const int kInitPointerLine = 73;
+const int kInitStringLine = 97;
+const int kCopyLine = 286;
+const int kPointerLine = 142;
 
 } // namespace detail
 
@@ -57,8 +57,9 @@ public:
         const unsigned __int64 all = static_cast<unsigned __int64>(-1);
         const unsigned __int64 length =
             size == 0 || size == all ? (text == nullptr ? 0 : std::char_traits<C>::length(text)) : size;
-        const unsigned __int64 n = Checking::CountDirect(TOVARIN_SITE(detail::StringBufTexts<C>::initPointer),
-                                                         length, static_cast<unsigned __int64>(0), length);
+        const unsigned __int64 n = Checking::CountDirect(
+            TOVARIN_FIXED_SITE(detail::StringBufTexts<C>::initPointer, __FILE__, detail::kInitPointerLine),
+            length, static_cast<unsigned __int64>(0), length);
         Load(text, n);
     }
 
@@ -66,17 +67,18 @@ public:
     // and not used. Throws the range message for an empty text.
     void Init(const std::basic_string<C> text, const unsigned __int64 /*start*/, unsigned __int64 /*count*/) {
         const unsigned __int64 n = Checking::CountDirect(
-            TOVARIN_SITE(detail::StringBufTexts<C>::initString), static_cast<unsigned __int64>(text.length()),
-            static_cast<unsigned __int64>(0), static_cast<unsigned __int64>(-1));
+            TOVARIN_FIXED_SITE(detail::StringBufTexts<C>::initString, __FILE__, detail::kInitStringLine),
+            static_cast<unsigned __int64>(text.length()), static_cast<unsigned __int64>(0),
+            static_cast<unsigned __int64>(-1));
         Load(text.data(), n);
     }
 
     // `count` elements from `start`, clipped to the buffer. The terminator is an element like any
     // other: the whole buffer's copy ends with the zero, deliberately.
     std::basic_string<C> Copy(const unsigned __int64 start, unsigned __int64 count) {
-        const unsigned __int64 n =
-            Checking::CountDirect(TOVARIN_SITE(detail::StringBufTexts<C>::copy),
-                                  static_cast<unsigned __int64>(m_buffer.size()), start, count);
+        const unsigned __int64 n = Checking::CountDirect(
+            TOVARIN_FIXED_SITE(detail::StringBufTexts<C>::copy, __FILE__, detail::kCopyLine),
+            static_cast<unsigned __int64>(m_buffer.size()), start, count);
         return std::basic_string<C>(m_buffer.data() + start, static_cast<size_t>(n));
     }
 
@@ -86,9 +88,11 @@ public:
         static_assert(std::is_same<T, C>::value || std::is_void<T>::value,
                       "Pointer<T>: T is the character or void");
         if (m_buffer.empty())
-            TOVARIN_THROW(std::is_void<T>::value ? detail::StringBufTexts<C>::pointerVoid
-                                                 : detail::StringBufTexts<C>::pointerChar,
-                          false, L"Буфер пуст.");
+            TOVARIN_THROW_AT(TOVARIN_FIXED_SITE(std::is_void<T>::value
+                                                    ? detail::StringBufTexts<C>::pointerVoid
+                                                    : detail::StringBufTexts<C>::pointerChar,
+                                                __FILE__, detail::kPointerLine),
+                             "[f]", false, L"Буфер пуст.");
         return static_cast<T*>(static_cast<void*>(m_buffer.data()));
     }
 

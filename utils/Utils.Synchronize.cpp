@@ -9,13 +9,22 @@ namespace {
 const char kInit[] = "void __cdecl Utils::Sync::CriticalSection::Init(unsigned long)";
 const char kMutexClose[] = "void __cdecl Utils::Sync::Mutex::Close(void)";
 const char kMutexCreate[] =
-    "void *__cdecl Utils::Sync::Mutex::Create(const class std::basic_string<wchar_t,struct "
-    "std::char_traits<wchar_t>,class std::allocator<wchar_t> > &,const int,const unsigned long)";
+    "void *__cdecl Utils::Sync::Mutex::Create(const " TOVARIN_WSTRING " &,const int,const unsigned long)";
 const char kMutexRelease[] = "void __cdecl Utils::Sync::Mutex::Release(void) const";
 const char kEventClose[] = "void __cdecl Utils::Sync::Event::Close(void)";
-const char kEventCreate[] =
-    "void *__cdecl Utils::Sync::Event::Create(const class std::basic_string<wchar_t,struct "
-    "std::char_traits<wchar_t>,class std::allocator<wchar_t> > &,const int,const int,const unsigned long)";
+const char kEventCreate[] = "void *__cdecl Utils::Sync::Event::Create(const " TOVARIN_WSTRING
+                            " &,const int,const int,const unsigned long)";
+
+// The lines of the lock failures' texts, fixed on purpose (see TOVARIN_FIXED_SITE).
+const int kInitLine = 270;
+const int kMutexCloseLine = 495;
+const int kMutexCreateLine = 509;
+const int kMutexReleaseLine = 560;
+const int kEventCloseLine = 341;
+const int kEventCreateLine = 356;
+
+#define TOVARIN_THROW_LOCK(signature, line, message)                                                         \
+    TOVARIN_THROW_AT(TOVARIN_FIXED_SITE(signature, __FILE__, line), "[f]", true, message)
 
 // "синхроизации" is the library's own spelling in all of these texts, kept deliberately.
 std::wstring MutexText(const std::wstring& name, const wchar_t* what) {
@@ -41,10 +50,10 @@ CriticalSection::~CriticalSection() {
 void CriticalSection::Init(unsigned long spinCount) {
     ::SetLastError(0);
     if (!::InitializeCriticalSectionAndSpinCount(&section_, spinCount))
-        TOVARIN_THROW(kInit, true, L"Неудачная инициализация критической секции.");
+        TOVARIN_THROW_LOCK(kInit, kInitLine, L"Неудачная инициализация критической секции.");
 }
 
-Mutex::Mutex() : timeout_(INFINITE), handle_(nullptr) {}
+Mutex::Mutex() {}
 
 Mutex::~Mutex() {
     try {
@@ -62,24 +71,24 @@ void* Mutex::Create(const std::wstring& name, const int, const unsigned long) {
     ::SetLastError(0);
     handle_ = ::CreateMutexW(nullptr, FALSE, NameOrNull(name_));
     if (handle_ == nullptr)
-        TOVARIN_THROW(kMutexCreate, true, MutexText(name_, L"не создан."));
+        TOVARIN_THROW_LOCK(kMutexCreate, kMutexCreateLine, MutexText(name_, L"не создан."));
     return handle_;
 }
 
 void Mutex::Release() const {
     ::SetLastError(0);
     if (handle_ != nullptr && !::ReleaseMutex(handle_))
-        TOVARIN_THROW(kMutexRelease, true, MutexText(name_, L"не освобождён."));
+        TOVARIN_THROW_LOCK(kMutexRelease, kMutexReleaseLine, MutexText(name_, L"не освобождён."));
 }
 
 void Mutex::Close() {
     ::SetLastError(0);
     if (handle_ != nullptr && !::CloseHandle(handle_) && ::GetLastError() != ERROR_INVALID_HANDLE)
-        TOVARIN_THROW(kMutexClose, true, MutexText(name_, L"не закрыт."));
+        TOVARIN_THROW_LOCK(kMutexClose, kMutexCloseLine, MutexText(name_, L"не закрыт."));
     handle_ = nullptr;
 }
 
-Event::Event() : timeout_(INFINITE), handle_(nullptr) {}
+Event::Event() {}
 
 Event::~Event() {
     try {
@@ -97,7 +106,7 @@ void* Event::Create(const std::wstring& name, const int, const int, const unsign
     ::SetLastError(0);
     handle_ = ::CreateEventW(nullptr, FALSE, TRUE, NameOrNull(name_));
     if (handle_ == nullptr)
-        TOVARIN_THROW(kEventCreate, true, EventText(name_, L"не создано."));
+        TOVARIN_THROW_LOCK(kEventCreate, kEventCreateLine, EventText(name_, L"не создано."));
     return handle_;
 }
 
@@ -105,7 +114,7 @@ void Event::Close() {
     ::SetLastError(0);
     // No exception for an already invalid handle here, unlike Mutex::Close: deliberate.
     if (handle_ != nullptr && !::CloseHandle(handle_))
-        TOVARIN_THROW(kEventClose, true, EventText(name_, L"не закрыто."));
+        TOVARIN_THROW_LOCK(kEventClose, kEventCloseLine, EventText(name_, L"не закрыто."));
     handle_ = nullptr;
 }
 

@@ -18,10 +18,10 @@ template <class T> bool IsWide(const std::wstring& name) {
     if (t == typeid(const wchar_t*) || t == typeid(short) || t == typeid(wchar_t) ||
         t == typeid(unsigned short) || t == typeid(std::wstring))
         return true;
-    TOVARIN_THROW(
-        "bool __cdecl Utils::Type::IsWide<T>(const class std::basic_string<wchar_t,struct "
-        "std::char_traits<wchar_t>,class std::allocator<wchar_t> > &)",
-        false,
+    // The line the text shows is fixed on purpose (see TOVARIN_FIXED_SITE).
+    TOVARIN_THROW_AT(
+        TOVARIN_FIXED_SITE("bool __cdecl Utils::Type::IsWide<T>(const " TOVARIN_WSTRING " &)", __FILE__, 342),
+        "[f]", false,
         L"Ошибка в\r\n" + (name.empty() ? std::wstring(L"Unknown") : name) +
             L"\r\n\r\nПрименён неправильный тип данных.\r\nВозможны только типы: CHAR, WCHAR, TCHAR, "
             L"std::string, std::wstring.");

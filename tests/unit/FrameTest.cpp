@@ -28,7 +28,7 @@ std::wstring Header(int line) {
 
 TEST(Frame, SuccessReturnsTheWorkResultWithoutABox) {
     BoxRecorder boxes;
-    EXPECT_EQ(Project::Call(TOVARIN_SITE(kSignature), -1, [] { return 42; }), 42);
+    EXPECT_EQ(Project::Call(Project::Row<int>{kSignature, -1}, TOVARIN_SITE(kSignature), [] { return 42; }), 42);
     EXPECT_TRUE(boxes.Boxes().empty());
 }
 
@@ -36,7 +36,7 @@ TEST(Frame, WideFailureShowsErrorBoxAndReturnsNeutral) {
     BoxRecorder boxes;
     const Utils::Error::Site site = TOVARIN_SITE(kSignature);
     const int line = site.line;
-    const int result = Project::Call(site, -1, []() -> int { throw std::wstring(L"Внутренний текст."); });
+    const int result = Project::Call(Project::Row<int>{kSignature, -1}, site, []() -> int { throw std::wstring(L"Внутренний текст."); });
     EXPECT_EQ(result, -1);
     const std::vector<Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 1u);
@@ -49,7 +49,7 @@ TEST(Frame, NarrowFailureShowsErrorBoxThroughTheNarrowComposer) {
     BoxRecorder boxes;
     const Utils::Error::Site site = TOVARIN_SITE(kSignature);
     const int line = site.line;
-    const double result = Project::Call(site, 0.0, []() -> double { throw std::string("narrow text"); });
+    const double result = Project::Call(Project::Row<double>{kSignature, 0.0}, site, []() -> double { throw std::string("narrow text"); });
     EXPECT_EQ(result, 0.0);
     const std::vector<Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 1u);
@@ -70,7 +70,7 @@ TEST(Frame, AnyOtherFailureShowsNoticeBoxWithUnknownException) {
     const Utils::Error::Site site = TOVARIN_SITE(kSignature);
     const int line = site.line;
     void* result =
-        Project::Call(site, static_cast<void*>(nullptr), []() -> void* { throw std::bad_alloc(); });
+        Project::Call(Project::Row<void*>{kSignature, nullptr}, site, []() -> void* { throw std::bad_alloc(); });
     EXPECT_EQ(result, nullptr);
     const std::vector<Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 1u);
@@ -82,7 +82,8 @@ TEST(Frame, AnyOtherFailureShowsNoticeBoxWithUnknownException) {
 TEST(Frame, VoidExportsHaveNoResultButStillShowTheBox) {
     BoxRecorder boxes;
     bool ran = false;
-    Project::Call(TOVARIN_SITE("void __cdecl FileClear(void *const )"), [&] {
+    Project::Call(Project::Row<void>{"void __cdecl FileClear(void *const )"},
+                  TOVARIN_SITE("void __cdecl FileClear(void *const )"), [&] {
         ran = true;
         throw 7;
     });

@@ -26,7 +26,7 @@ TEST_P(PathRefused, ThrowsTheRuleText) {
         FAIL() << "accepted";
     } catch (const std::wstring& text) {
         EXPECT_EQ(text.find(L"Ошибка в функции \"bool __cdecl Utils::String::Path::Has("), 0u);
-        EXPECT_NE(text.find(L"File: \"Utils.Strings.Path.cpp\""), std::wstring::npos);
+        EXPECT_NE(text.find(L"File: \"Utils.Strings.cpp\""), std::wstring::npos);
         ASSERT_GE(text.size(), c.message.size() + 1);
         EXPECT_EQ(text.substr(text.size() - c.message.size() - 2), L"\n" + c.message + L"\n")
             << TestSupport::Narrow(text);

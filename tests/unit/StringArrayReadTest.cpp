@@ -41,7 +41,7 @@ protected:
             buffers[i] = &storage[i * capacity];
         const std::size_t before = TestSupport::Allocations();
         const unsigned __int64 read =
-            Project::ReadStrArrayByHandle<wchar_t>(handle, buffers.data(), count, capacity, 0, ~0ull);
+            Project::ReadStrArrayByHandle(handle, buffers.data(), count, capacity, 0, ~0ull);
         const std::size_t made = TestSupport::Allocations() - before;
         EXPECT_EQ(read, count);
         lines.clear();
