@@ -174,7 +174,7 @@ int FirstDifference(const MqlRates &a[], const MqlRates &b[])
 //| The text with every character that Windows forbids in a file     |
 //| name replaced by an underscore                                   |
 //+------------------------------------------------------------------+
-string FileNamePart(const string text)
+string NameForFile(const string text)
   {
    ushort forbidden[] = {47, 92, 58, 42, 63, 34, 60, 62, 124};   // slash, backslash, : * ? quote < > |
    string part = text;
@@ -206,7 +206,7 @@ void OnStart()
    string period = EnumToString(_Period);
    StringReplace(period, "PERIOD_", "");
    // A symbol such as "EUR/USD" or "US500:cash" holds characters that no file name may hold.
-   string name   = FileNamePart(_Symbol) + "_" + period + ".bars";
+   string name   = NameForFile(_Symbol) + "_" + period + ".bars";
    string common = TerminalInfoString(TERMINAL_COMMONDATA_PATH) + "\\Tovarin";
    string path   = common + "\\Export\\" + name;
    string inbox  = InpInbox != "" ? InpInbox : common + "\\Inbox";
