@@ -594,8 +594,9 @@ RAW_TOP = """\
 // They are for hosts that can build such arrays and buffers (for example with a DLL of their own).
 // A plain MQL5 program includes Tovarin.mqh only and uses its helpers instead: TovarinWriteLinesW/A
 // and TovarinReadLinesW/A write and read the same CR LF lines, TovarinReadStringA the same text.
+// Include it after Tovarin.mqh, whose constants it uses; it does not include it itself, so that
+// each file is read once.
 // %s
-#include <Tovarin.mqh>
 
 // Host string records: the capacity of the buffer in characters and its address; 12 bytes, as
 // MQL5 packs structures.

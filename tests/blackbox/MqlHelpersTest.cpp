@@ -54,6 +54,9 @@ struct LinesCase {
     std::string content;            // the whole file; UTF-16 widens it byte by byte
     std::vector<std::string> lines; // the lines a reader finds in it
 };
+void PrintTo(const LinesCase& c, std::ostream* out) {
+    *out << c.name;
+}
 const LinesCase kLines[] = {
     {"LinesWithAnEmptyOne", "a\r\n\r\nb c\r\n", {"a", "", "b c"}},
     {"TextAfterTheLastLineEndIsNoLine", "x\r\ny\r\nz", {"x", "y"}},
