@@ -182,23 +182,52 @@ int SymbolicLink(const std::wstring& from, const std::wstring& link) {
     return Ok(Utils::MainFile::SymbolicLink(link, from));
 }
 
-int CopyByHandle(void* const handle, const std::wstring& to) {
-    return Ok(WithFile(handle, [&](Utils::FileHdd& file, void*) { return file.Copy(to); }));
+namespace {
+
+template <class Char> int CopyOnFile(void* const handle, const Char* to) {
+    return Ok(WithFile(handle, [&](Utils::FileHdd& file, void*) { return file.Copy(TargetArg(to)); }));
 }
 
-int MoveByHandle(void* const handle, const std::wstring& to) {
-    return Ok(WithFile(handle, [&](Utils::FileHdd& file, void*) { return file.Move(to); }));
+template <class Char> int MoveOnFile(void* const handle, const Char* to) {
+    return Ok(WithFile(handle, [&](Utils::FileHdd& file, void*) { return file.Move(TargetArg(to)); }));
 }
 
-void HardLinkByHandle(void* const handle, const std::wstring& link) {
-    WithFile(handle, [&](Utils::FileHdd& file, void*) { file.HardLink(link); });
+template <class Char> void HardLinkOnFile(void* const handle, const Char* link) {
+    WithFile(handle, [&](Utils::FileHdd& file, void*) { file.HardLink(TargetArg(link)); });
 }
 
 // The open file is the link's target.
-int SymbolicLinkByHandle(void* const handle, const std::wstring& link) {
+template <class Char> int SymbolicLinkOnFile(void* const handle, const Char* link) {
     return Ok(WithFile(handle, [&](Utils::FileHdd& file, void*) {
-        return Utils::MainFile::SymbolicLink(link, file.Path());
+        return Utils::MainFile::SymbolicLink(TargetArg(link), file.Path());
     }));
+}
+
+} // namespace
+
+int CopyByHandle(void* const handle, const char* to) {
+    return CopyOnFile(handle, to);
+}
+int CopyByHandle(void* const handle, const wchar_t* to) {
+    return CopyOnFile(handle, to);
+}
+int MoveByHandle(void* const handle, const char* to) {
+    return MoveOnFile(handle, to);
+}
+int MoveByHandle(void* const handle, const wchar_t* to) {
+    return MoveOnFile(handle, to);
+}
+void HardLinkByHandle(void* const handle, const char* link) {
+    HardLinkOnFile(handle, link);
+}
+void HardLinkByHandle(void* const handle, const wchar_t* link) {
+    HardLinkOnFile(handle, link);
+}
+int SymbolicLinkByHandle(void* const handle, const char* link) {
+    return SymbolicLinkOnFile(handle, link);
+}
+int SymbolicLinkByHandle(void* const handle, const wchar_t* link) {
+    return SymbolicLinkOnFile(handle, link);
 }
 
 unsigned __int64 CompletedOperation(const std::wstring& path, const unsigned short access, const int share,

@@ -157,10 +157,15 @@ int Move(const std::wstring& from, const std::wstring& to);
 int Delete(const std::wstring& path);
 void HardLink(const std::wstring& from, const std::wstring& link);
 int SymbolicLink(const std::wstring& from, const std::wstring& link);
-int CopyByHandle(void* const handle, const std::wstring& to);
-int MoveByHandle(void* const handle, const std::wstring& to);
-void HardLinkByHandle(void* const handle, const std::wstring& link);
-int SymbolicLinkByHandle(void* const handle, const std::wstring& link);
+// On an open file: the handle is looked up before the target or link path is taken (TargetArg).
+int CopyByHandle(void* const handle, const char* to);
+int CopyByHandle(void* const handle, const wchar_t* to);
+int MoveByHandle(void* const handle, const char* to);
+int MoveByHandle(void* const handle, const wchar_t* to);
+void HardLinkByHandle(void* const handle, const char* link);
+void HardLinkByHandle(void* const handle, const wchar_t* link);
+int SymbolicLinkByHandle(void* const handle, const char* link);
+int SymbolicLinkByHandle(void* const handle, const wchar_t* link);
 
 // Always fails: the access selection falls through to its refusal for every value, deliberately.
 // The arguments after `share` are never used.
