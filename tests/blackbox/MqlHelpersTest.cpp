@@ -66,11 +66,9 @@ const LinesCase kLines[] = {
     {"EmptyFile", "", {}},
 };
 
+// The text as characters of the width: 8-bit as it stands, UTF-16 one character per byte.
 template <class Ch> std::basic_string<Ch> Widen(const std::string& s) {
-    std::basic_string<Ch> out;
-    for (const char c : s)
-        out += static_cast<Ch>(static_cast<unsigned char>(c));
-    return out;
+    return std::basic_string<Ch>(s.begin(), s.end());
 }
 
 template <class Ch> void CheckLines(const LinesCase& c) {
