@@ -1,4 +1,4 @@
-# Tovarin: the commands of README.md.
+# Tovarin: the commands of README.md and CONTRIBUTING.md.
 BUILD := build/mingw
 WINE_RUN := scripts/wine-run.sh $(BUILD)
 
@@ -22,8 +22,10 @@ test: build
 demo: build
 	@$(WINE_RUN) $(BUILD)/bin/TovarinDemo.exe
 
+# The build makes the zip in $(BUILD)/dist; only this target writes dist/.
 dist: build
-	@cmake --build --preset mingw --target dist
+	@mkdir -p dist
+	@cp $(BUILD)/dist/Tovarin-*.zip dist/
 	@ls -l dist
 
 bench: build

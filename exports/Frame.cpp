@@ -35,8 +35,7 @@ const std::wstring& ModuleName() noexcept {
 // The failure header: "File: \"<exports' source>\"\r\nLine: <line>\r\n", after "[f]\r\n".
 void ReportNarrow(const Utils::Error::Site& site, const std::string& failure) noexcept {
     try {
-        const std::string text = std::string(site.signature) + "[f]" + "\r\n" + Utils::Error::LocationA(site);
-        const std::string final = ComposeFailureTextA(text, failure, false);
+        const std::string final = ComposeFailureTextA(Utils::Error::WhereA(site), failure, false);
         ShowErrorA(Utils::CodingStr::UnicodeToAnsi(ModuleName(), 0), final);
     } catch (...) {
         // The box could not be shown; the export still returns its neutral result.

@@ -21,7 +21,6 @@ const char kCompleted[] = "unsigned __int64 __cdecl Project::CompletedOperation(
                           "unsigned long,void *,const unsigned __int64)";
 
 const wchar_t kNoPath[] = L"Отсутствует путь.";
-const wchar_t kNoArray[] = L"Отсутствует массив: указатель на массив равен нулю.";
 const wchar_t kTooLarge[] = L"Размер передаваемых данных превышает адресное пространство.";
 
 std::wstring Wide(const char* path) {
@@ -48,6 +47,8 @@ int Ok(const bool done) {
 }
 
 } // namespace
+
+const wchar_t kNoArray[] = L"Отсутствует массив: указатель на массив равен нулю.";
 
 std::wstring PathArg(const char* path) {
     return Path(kPathArgA, path);
@@ -142,15 +143,16 @@ unsigned __int64 WriteBlock(void* const handle, const void* buffer, const unsign
     return WithFile(handle, [&](Utils::FileHdd& file, void* h) { return file.WriteHeld(h, buffer, count); });
 }
 
-unsigned __int64 CheckedSlice(const Utils::Error::Site& site, const void* array, const size_t elementSize,
-                              const unsigned __int64 size, const unsigned __int64 start,
-                              const unsigned __int64 count) {
-    const unsigned __int64 n = Utils::Checking::CountDirect(site, size, start, count);
+Slice CheckedSlice(const Utils::Error::Site& site, void* const handle, const void* array,
+                   const size_t elementSize, const unsigned __int64 size, const unsigned __int64 start,
+                   const unsigned __int64 count, const wchar_t* noArray) {
+    Slice slice = {PtrCFile(handle), 0};
+    slice.count = Utils::Checking::CountDirect(site, size, start, count);
     if (array == nullptr)
-        Utils::Error::ThrowAt(site, "[f]", kNoArray, false, 0);
-    if (n > ~0ull / elementSize)
-        Utils::Error::ThrowAt(site, "[f]", kTooLarge, false, 0);
-    return n;
+        TOVARIN_THROW_AT(site, "[f]", false, noArray);
+    if (slice.count > ~0ull / elementSize)
+        TOVARIN_THROW_AT(site, "[f]", false, kTooLarge);
+    return slice;
 }
 
 // ---- Path operations ---------------------------------------------------------------------------
@@ -180,23 +182,52 @@ int SymbolicLink(const std::wstring& from, const std::wstring& link) {
     return Ok(Utils::MainFile::SymbolicLink(link, from));
 }
 
-int CopyByHandle(void* const handle, const std::wstring& to) {
-    return Ok(WithFile(handle, [&](Utils::FileHdd& file, void*) { return file.Copy(to); }));
+namespace {
+
+template <class Char> int CopyOnFile(void* const handle, const Char* to) {
+    return Ok(WithFile(handle, [&](Utils::FileHdd& file, void*) { return file.Copy(TargetArg(to)); }));
 }
 
-int MoveByHandle(void* const handle, const std::wstring& to) {
-    return Ok(WithFile(handle, [&](Utils::FileHdd& file, void*) { return file.Move(to); }));
+template <class Char> int MoveOnFile(void* const handle, const Char* to) {
+    return Ok(WithFile(handle, [&](Utils::FileHdd& file, void*) { return file.Move(TargetArg(to)); }));
 }
 
-void HardLinkByHandle(void* const handle, const std::wstring& link) {
-    WithFile(handle, [&](Utils::FileHdd& file, void*) { file.HardLink(link); });
+template <class Char> void HardLinkOnFile(void* const handle, const Char* link) {
+    WithFile(handle, [&](Utils::FileHdd& file, void*) { file.HardLink(TargetArg(link)); });
 }
 
 // The open file is the link's target.
-int SymbolicLinkByHandle(void* const handle, const std::wstring& link) {
+template <class Char> int SymbolicLinkOnFile(void* const handle, const Char* link) {
     return Ok(WithFile(handle, [&](Utils::FileHdd& file, void*) {
-        return Utils::MainFile::SymbolicLink(link, file.Path());
+        return Utils::MainFile::SymbolicLink(TargetArg(link), file.Path());
     }));
+}
+
+} // namespace
+
+int CopyByHandle(void* const handle, const char* to) {
+    return CopyOnFile(handle, to);
+}
+int CopyByHandle(void* const handle, const wchar_t* to) {
+    return CopyOnFile(handle, to);
+}
+int MoveByHandle(void* const handle, const char* to) {
+    return MoveOnFile(handle, to);
+}
+int MoveByHandle(void* const handle, const wchar_t* to) {
+    return MoveOnFile(handle, to);
+}
+void HardLinkByHandle(void* const handle, const char* link) {
+    HardLinkOnFile(handle, link);
+}
+void HardLinkByHandle(void* const handle, const wchar_t* link) {
+    HardLinkOnFile(handle, link);
+}
+int SymbolicLinkByHandle(void* const handle, const char* link) {
+    return SymbolicLinkOnFile(handle, link);
+}
+int SymbolicLinkByHandle(void* const handle, const wchar_t* link) {
+    return SymbolicLinkOnFile(handle, link);
 }
 
 unsigned __int64 CompletedOperation(const std::wstring& path, const unsigned short access, const int share,

@@ -96,31 +96,35 @@ wchar_t* ReadStringW(void* const handle, const unsigned __int64 size);
 
 // ---- Typed arrays -----------------------------------------------------------------------------
 
-// The number of elements of the slice, after the checks every array transfer makes; `site` is the
-// export's, which the failure texts name.
-unsigned __int64 CheckedSlice(const Utils::Error::Site& site, const void* array, const size_t elementSize,
-                              const unsigned __int64 size, const unsigned __int64 start,
-                              const unsigned __int64 count);
+// What the checks of an array transfer leave: the file, looked up first, and the number of elements.
+struct Slice {
+    FilePtr file;
+    unsigned __int64 count;
+};
+// Looks the handle up, then checks the slice (its texts name `site`), the array pointer (refused
+// with `noArray`) and that the slice's bytes fit the address space.
+Slice CheckedSlice(const Utils::Error::Site& site, void* const handle, const void* array,
+                   const size_t elementSize, const unsigned __int64 size, const unsigned __int64 start,
+                   const unsigned __int64 count, const wchar_t* noArray);
+extern const wchar_t kNoArray[];
 
-// The handle is looked up before the slice is checked, then the slice moves in one transfer.
+// One transfer of the slice, under the object's lock.
 template <class T>
 unsigned __int64 WriteArray(const Utils::Error::Site& site, void* const handle, const T* array,
                             const unsigned __int64 size, const unsigned __int64 start,
                             const unsigned __int64 count) {
-    const FilePtr file = PtrCFile(handle);
-    const unsigned __int64 n = CheckedSlice(site, array, sizeof(T), size, start, count);
-    Guard guard(file->Lock());
-    return file->WriteHeld(file->Handle(), array + start, n * sizeof(T)) / sizeof(T);
+    const Slice slice = CheckedSlice(site, handle, array, sizeof(T), size, start, count, kNoArray);
+    Guard guard(slice.file->Lock());
+    return slice.file->WriteHeld(slice.file->Handle(), array + start, slice.count * sizeof(T)) / sizeof(T);
 }
 
 template <class T>
 unsigned __int64 ReadArray(const Utils::Error::Site& site, void* const handle, T* array,
                            const unsigned __int64 size, const unsigned __int64 start,
                            const unsigned __int64 count) {
-    const FilePtr file = PtrCFile(handle);
-    const unsigned __int64 n = CheckedSlice(site, array, sizeof(T), size, start, count);
-    Guard guard(file->Lock());
-    return file->ReadHeld(file->Handle(), array + start, n * sizeof(T)) / sizeof(T);
+    const Slice slice = CheckedSlice(site, handle, array, sizeof(T), size, start, count, kNoArray);
+    Guard guard(slice.file->Lock());
+    return slice.file->ReadHeld(slice.file->Handle(), array + start, slice.count * sizeof(T)) / sizeof(T);
 }
 
 // ---- String arrays: lines of text ended by CR LF (StringArrays.cpp) ----------------------------
@@ -153,10 +157,15 @@ int Move(const std::wstring& from, const std::wstring& to);
 int Delete(const std::wstring& path);
 void HardLink(const std::wstring& from, const std::wstring& link);
 int SymbolicLink(const std::wstring& from, const std::wstring& link);
-int CopyByHandle(void* const handle, const std::wstring& to);
-int MoveByHandle(void* const handle, const std::wstring& to);
-void HardLinkByHandle(void* const handle, const std::wstring& link);
-int SymbolicLinkByHandle(void* const handle, const std::wstring& link);
+// On an open file: the handle is looked up before the target or link path is taken (TargetArg).
+int CopyByHandle(void* const handle, const char* to);
+int CopyByHandle(void* const handle, const wchar_t* to);
+int MoveByHandle(void* const handle, const char* to);
+int MoveByHandle(void* const handle, const wchar_t* to);
+void HardLinkByHandle(void* const handle, const char* link);
+void HardLinkByHandle(void* const handle, const wchar_t* link);
+int SymbolicLinkByHandle(void* const handle, const char* link);
+int SymbolicLinkByHandle(void* const handle, const wchar_t* link);
 
 // Always fails: the access selection falls through to its refusal for every value, deliberately.
 // The arguments after `share` are never used.

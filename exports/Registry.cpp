@@ -42,18 +42,25 @@ unsigned __int64 Key(void* const handle) {
     return reinterpret_cast<unsigned __int64>(handle);
 }
 
+// The entry of `handle`, with the registry lock held; an empty registry is reported as such even
+// when the handle is simply wrong.
+Registry::iterator Find(const char* signature, void* const handle) {
+    Registry& files = Files();
+    if (files.empty())
+        TOVARIN_REGISTRY_THROW(signature, kNotInitialised);
+    const Registry::iterator entry = files.find(Key(handle));
+    if (entry == files.end())
+        TOVARIN_REGISTRY_THROW(signature, kUnknownHandle);
+    return entry;
+}
+
 } // namespace
 
 FilePtr PtrCFile(void* const handle) {
     Guard guard(RegistryLock());
-    Registry& files = Files();
-    if (files.empty())
-        TOVARIN_REGISTRY_THROW(kPtrCFile, kNotInitialised);
-    const Registry::iterator entry = files.find(Key(handle));
-    if (entry == files.end())
-        TOVARIN_REGISTRY_THROW(kPtrCFile, kUnknownHandle);
+    const Registry::iterator entry = Find(kPtrCFile, handle);
     if (!entry->second) {
-        files.erase(entry);
+        Files().erase(entry);
         TOVARIN_REGISTRY_THROW(kPtrCFile, L"Несуществующий или устаревший или закрытый системный дескриптор "
                                           L"файла из-за ошибки функции WinAPI.");
     }
@@ -64,14 +71,9 @@ void PtrCFileDelete(void* const handle) {
     FilePtr removed;
     {
         Guard guard(RegistryLock());
-        Registry& files = Files();
-        if (files.empty())
-            TOVARIN_REGISTRY_THROW(kPtrCFileDelete, kNotInitialised);
-        const Registry::iterator entry = files.find(Key(handle));
-        if (entry == files.end())
-            TOVARIN_REGISTRY_THROW(kPtrCFileDelete, kUnknownHandle);
+        const Registry::iterator entry = Find(kPtrCFileDelete, handle);
         removed = entry->second;
-        files.erase(entry);
+        Files().erase(entry);
     }
     // `removed` lets the object go here, outside the registry lock.
 }
@@ -103,4 +105,3 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved) {
         Project::ReleaseAll();
     return TRUE;
 }
-

@@ -42,7 +42,7 @@ const char kReadByPtr[] =
     "Utils::FileHdd>,void *,const unsigned __int64,const unsigned __int64,const unsigned "
     "__int64,const unsigned __int64)";
 
-const wchar_t kNoArray[] = L"Отсутствует массив строк: указатель на массив равен нулю.";
+const wchar_t kNoLines[] = L"Отсутствует массив строк: указатель на массив равен нулю.";
 
 // The glue's own lock, under which the shared pointer passes into and out of the transfer.
 Utils::Sync::CriticalSection& GlueLock() {
@@ -115,11 +115,8 @@ template <class Item>
 unsigned __int64 WriteByHandle(const char* signature, void* const handle, const Item* array,
                                const unsigned __int64 size, const unsigned __int64 start,
                                const unsigned __int64 count) {
-    const FilePtr file = PtrCFile(handle);
-    const unsigned __int64 n = Utils::Checking::CountDirect(TOVARIN_SITE(signature), size, start, count);
-    if (array == nullptr)
-        TOVARIN_THROW(signature, false, kNoArray);
-    return WriteStrArrayByPtr(Hand(file), array, size, start, n);
+    const Slice slice = CheckedSlice(TOVARIN_SITE(signature), handle, array, 1, size, start, count, kNoLines);
+    return WriteStrArrayByPtr(Hand(slice.file), array, size, start, slice.count);
 }
 
 // ---- Reading ----
@@ -202,11 +199,9 @@ template <class Char, class Item>
 unsigned __int64 ReadByHandle(void* const handle, Item* array, const unsigned __int64 size,
                               const unsigned __int64 capacity, const unsigned __int64 start,
                               const unsigned __int64 count) {
-    const FilePtr file = PtrCFile(handle);
-    const unsigned __int64 n = Utils::Checking::CountDirect(TOVARIN_SITE(kReadByHandle), size, start, count);
-    if (array == nullptr)
-        TOVARIN_THROW(kReadByHandle, false, kNoArray);
-    return ReadStrArrayByPtr<Char>(Hand(file), array, size, capacity, start, n);
+    const Slice slice =
+        CheckedSlice(TOVARIN_SITE(kReadByHandle), handle, array, 1, size, start, count, kNoLines);
+    return ReadStrArrayByPtr<Char>(Hand(slice.file), array, size, capacity, start, slice.count);
 }
 
 } // namespace

@@ -105,11 +105,11 @@ TOVARIN_EXPORT void __cdecl FileCloseHandle(void* const handle) {
 }
 
 TOVARIN_EXPORT int __cdecl FileCopyByHandleA(void* const handle, const char* to) {
-    return Call(TOVARIN_ROW(FileCopyByHandleA), [&] { return Project::CopyByHandle(handle, TargetArg(to)); });
+    return Call(TOVARIN_ROW(FileCopyByHandleA), [&] { return Project::CopyByHandle(handle, to); });
 }
 
 TOVARIN_EXPORT int __cdecl FileCopyByHandleW(void* const handle, const wchar_t* to) {
-    return Call(TOVARIN_ROW(FileCopyByHandleW), [&] { return Project::CopyByHandle(handle, TargetArg(to)); });
+    return Call(TOVARIN_ROW(FileCopyByHandleW), [&] { return Project::CopyByHandle(handle, to); });
 }
 
 TOVARIN_EXPORT void __cdecl FileDeleteByHandle(void* const handle) {
@@ -125,19 +125,19 @@ TOVARIN_EXPORT unsigned __int64 __cdecl FileGetSize(void* const handle) {
 }
 
 TOVARIN_EXPORT void __cdecl FileHardLinkByHandleA(void* const handle, const char* link) {
-    Call(TOVARIN_ROW(FileHardLinkByHandleA), [&] { Project::HardLinkByHandle(handle, TargetArg(link)); });
+    Call(TOVARIN_ROW(FileHardLinkByHandleA), [&] { Project::HardLinkByHandle(handle, link); });
 }
 
 TOVARIN_EXPORT void __cdecl FileHardLinkByHandleW(void* const handle, const wchar_t* link) {
-    Call(TOVARIN_ROW(FileHardLinkByHandleW), [&] { Project::HardLinkByHandle(handle, TargetArg(link)); });
+    Call(TOVARIN_ROW(FileHardLinkByHandleW), [&] { Project::HardLinkByHandle(handle, link); });
 }
 
 TOVARIN_EXPORT int __cdecl FileMoveByHandleA(void* const handle, const char* to) {
-    return Call(TOVARIN_ROW(FileMoveByHandleA), [&] { return Project::MoveByHandle(handle, TargetArg(to)); });
+    return Call(TOVARIN_ROW(FileMoveByHandleA), [&] { return Project::MoveByHandle(handle, to); });
 }
 
 TOVARIN_EXPORT int __cdecl FileMoveByHandleW(void* const handle, const wchar_t* to) {
-    return Call(TOVARIN_ROW(FileMoveByHandleW), [&] { return Project::MoveByHandle(handle, TargetArg(to)); });
+    return Call(TOVARIN_ROW(FileMoveByHandleW), [&] { return Project::MoveByHandle(handle, to); });
 }
 
 TOVARIN_EXPORT void __cdecl FileResize(void* const handle, const unsigned __int64 size) {
@@ -146,12 +146,12 @@ TOVARIN_EXPORT void __cdecl FileResize(void* const handle, const unsigned __int6
 
 TOVARIN_EXPORT int __cdecl FileSymbolicLinkByHandleA(void* const handle, const char* link) {
     return Call(TOVARIN_ROW(FileSymbolicLinkByHandleA),
-                [&] { return Project::SymbolicLinkByHandle(handle, TargetArg(link)); });
+                [&] { return Project::SymbolicLinkByHandle(handle, link); });
 }
 
 TOVARIN_EXPORT int __cdecl FileSymbolicLinkByHandleW(void* const handle, const wchar_t* link) {
     return Call(TOVARIN_ROW(FileSymbolicLinkByHandleW),
-                [&] { return Project::SymbolicLinkByHandle(handle, TargetArg(link)); });
+                [&] { return Project::SymbolicLinkByHandle(handle, link); });
 }
 
 TOVARIN_OPEN(FileCreateAlwaysA, char, CREATE_ALWAYS)

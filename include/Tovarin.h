@@ -162,8 +162,8 @@ TOVARIN_API int __cdecl FileWriteStringA(void* const handle, const char* text);
 TOVARIN_API int __cdecl FileWriteStringW(void* const handle, const wchar_t* text);
 
 /* Reading single values and text at the file pointer.
- * Result: the value; 0, false, 0.0 or null on failure. At the end of the file a scalar
- * read also gives 0: the count that arrived is not reported. */
+ * Result: the value; 0, false, 0.0 or null on failure. A read that finds fewer bytes than
+ * it asks for (at the end of the file) is a failure: the message box, then 0. */
 /* Reads one bool (1 byte). */
 TOVARIN_API bool __cdecl FileReadBoolean(void* const handle);
 /* Reads one char (1 byte). */

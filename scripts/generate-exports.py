@@ -3,8 +3,11 @@
 
 Writes exports/Tovarin.def (the DLL's export table), exports/ExportRows.h (each export's signature
 text and neutral result, which the exports' source uses), include/Tovarin.h (C prototypes),
-mql5/Include/Tovarin.mqh (the MQL5 imports) and the reference section of README.md (between its "exports:begin" and "exports:end" marks). The
-outputs are committed as plain sources; `make test` runs the check. After editing the list:
+mql5/Include/Tovarin.mqh (the imports plain MQL5 can call, followed by the helpers of
+mql5/Tovarin.helpers.mqh as they stand), mql5/Include/TovarinRaw.mqh (the imports that take or
+return addresses) and the reference section of README.md (between its "exports:begin" and
+"exports:end" marks). The outputs are committed as plain sources; `make test` runs the check.
+After editing the list:
 
     scripts/generate-exports.py            # rewrite the files (C/C++ through clang-format)
     scripts/generate-exports.py --check    # fail when a committed file differs from the list
@@ -31,8 +34,8 @@ FAMILIES = [
            ["The value's raw little-endian bytes, no tag, length or terminator.",
             "Result: the number of bytes written; -1 on failure."]),
     Family("Read", "Reading single values and text at the file pointer",
-           ["Result: the value; 0, false, 0.0 or null on failure. At the end of the file a scalar",
-            "read also gives 0: the count that arrived is not reported."]),
+           ["Result: the value; 0, false, 0.0 or null on failure. A read that finds fewer bytes than",
+            "it asks for (at the end of the file) is a failure: the message box, then 0."]),
     Family("Raw", "Raw blocks",
            ["Result: the number of bytes transferred; TOVARIN_FAILED_COUNT on failure."]),
     Family("Array", "Typed arrays",
@@ -235,26 +238,35 @@ def c_type(ctype):
     return ctype.replace("struct MT::_MQLSTRA", "TovarinMqlStrA").replace("struct MT::_MQLSTRW", "TovarinMqlStrW")
 
 
+# Exports whose arguments or result are addresses that plain MQL5 cannot make or read: arrays of
+# string addresses, records with a buffer address, and FileReadStringA's address of 8-bit text.
+# They are declared in TovarinRaw.mqh only; Tovarin.mqh has plain-MQL5 helpers for the same bytes.
+RAW_MQL = {"FileWriteStrArrayA", "FileWriteStrArrayW", "FileWriteStrArrayMA", "FileWriteStrArrayMW",
+           "FileReadStrArrayA", "FileReadStrArrayW", "FileReadStrArrayMA", "FileReadStrArrayMW",
+           "FileReadStringA"}
+
+
 def mql_param(e, ctype, pname):
+    # Arrays the library only reads are const, so that a const array of the caller can be passed.
+    const = "const " if e.name.startswith("FileWrite") else ""
     if ctype == "void *const":
         return "long " + pname
     if ctype == "const wchar_t *":
         return "string " + pname
     if ctype == "const char *":
         return "const uchar &%s[]" % pname
+    if ctype == "void *" and e.name.startswith("FileCompleted"):
+        return "long " + pname  # never read: the call refuses first; pass 0
     if ctype in ("void *", "const void *"):
-        return "%suchar &%s[]" % ("const " if ctype.startswith("const") else "", pname)
+        return "%suchar &%s[]" % (const, pname)
     if ctype.endswith("**"):
-        return "long &%s[]" % pname
-    if "_MQLSTRW" in ctype:
-        return "string &%s[]" % pname
-    if "_MQLSTRA" in ctype:
-        return "TovarinMqlStrA &%s[]" % pname
+        return "%slong &%s[]" % (const, pname)
+    if "_MQLSTRA" in ctype or "_MQLSTRW" in ctype:
+        return "%sTovarinMqlStr%s &%s[]" % (const, "A" if "_MQLSTRA" in ctype else "W", pname)
     if "*" in ctype:
         element = ctype.replace("*const", "").replace("*", "").strip()
-        const = element.startswith("const ")
-        element = element[len("const "):] if const else element
-        return "%s%s &%s[]" % ("const " if const else "", MQL_SCALARS[element], pname)
+        element = element[len("const "):] if element.startswith("const ") else element
+        return "%s%s &%s[]" % (const, MQL_SCALARS[element], pname)
     bare = ctype[len("const "):] if ctype.startswith("const ") else ctype
     return "%s %s" % (MQL_SCALARS[bare], pname)
 
@@ -402,10 +414,14 @@ MQH_TOP = """\
 //| Tovarin.mqh: imports of Tovarin.dll, file access for MQL5        |
 //| programs on any path outside the terminal's sandbox.             |
 //+------------------------------------------------------------------+
-// Every function catches its own failures: it shows the reason in a message box and returns the
-// neutral result that its group names. A handle (long) is the value an open or create function
-// returned. A functions take zero-terminated text in the system code page (see TovarinAnsi),
-// W functions take MQL5 strings. Place Tovarin.dll in MQL5\\Libraries and allow DLL imports.
+// Every function catches its own failures: it shows the reason in a message box, which halts the
+// calling program until someone closes it, and returns the neutral result that its group names.
+// A handle (long) is the value an open or create function returned. A functions take
+// zero-terminated text in the system code page (see TovarinAnsi), W functions take MQL5 strings.
+// Place Tovarin.dll in MQL5\\Libraries and allow DLL imports.
+// The nine functions that take or return memory addresses are in TovarinRaw.mqh; the helpers at
+// the end of this file write and read the same bytes in plain MQL5: TovarinWriteLinesW/A and
+// TovarinReadLinesW/A for string arrays as CR LF lines, TovarinReadStringA for 8-bit text.
 // %s
 
 // Desired access and share mode of the open and create functions (the CreateFileW values; not the
@@ -426,9 +442,32 @@ MQH_TOP = """\
 #define TOVARIN_FAILED_POSITION (-1)                            // file pointer functions
 #define TOVARIN_FAILED_COUNT    ((ulong)0xFFFFFFFFFFFFFFFF)     // arrays, string arrays, raw blocks
 
-// Host string record of the 8-bit record functions (MA): the capacity of the buffer in characters
-// and its address; 12 bytes, as MQL5 packs structures. The W record functions take string arrays.
+#import "Tovarin.dll"
+"""
+
+RAW_TOP = """\
+//+------------------------------------------------------------------+
+//| TovarinRaw.mqh: the imports of Tovarin.dll that take or return   |
+//| memory addresses.                                                |
+//+------------------------------------------------------------------+
+// These functions need addresses that plain MQL5 can neither make nor read: arrays of the
+// addresses of zero-terminated strings (long), records that hold the capacity and the address of a
+// character buffer, and the result of FileReadStringA, the address of the library's 8-bit text.
+// They are for hosts that can build such arrays and buffers (for example with a DLL of their own).
+// A plain MQL5 program includes Tovarin.mqh only and uses its helpers instead: TovarinWriteLinesW/A
+// and TovarinReadLinesW/A write and read the same CR LF lines, TovarinReadStringA the same text.
+// Include it after Tovarin.mqh, whose constants it uses; it does not include it itself, so that
+// each file is read once.
+// %s
+
+// Host string records: the capacity of the buffer in characters and its address; 12 bytes, as
+// MQL5 packs structures.
 struct TovarinMqlStrA
+  {
+   int               length;
+   long              pointer;
+  };
+struct TovarinMqlStrW
   {
    int               length;
    long              pointer;
@@ -437,42 +476,35 @@ struct TovarinMqlStrA
 #import "Tovarin.dll"
 """
 
-MQH_BOTTOM = """\
-#import
-
-//+------------------------------------------------------------------+
-//| Text for the 8-bit (A) functions: the system code page with its  |
-//| terminating zero. Returns the bytes including the zero.          |
-//+------------------------------------------------------------------+
-int TovarinAnsi(const string text, uchar &ansi[])
-  {
-   ArrayFree(ansi);
-   int n = StringToCharArray(text, ansi, 0, WHOLE_ARRAY, CP_ACP);
-   if(n <= 0 || ansi[n - 1] != 0)
-     {
-      n = MathMax(n, 0);
-      ArrayResize(ansi, n + 1);
-      ansi[n] = 0;
-      n++;
-     }
-   return n;
-  }
-//+------------------------------------------------------------------+
-"""
+HELPERS = "mql5/Tovarin.helpers.mqh"
 
 
-def make_mqh():
-    out = [MQH_TOP % GENERATED]
+def mql_imports(keep):
+    """The import lines of the exports for which keep(e) holds, by family, with their comments."""
+    out = []
     for family, group in family_groups():
+        runs = [(c, [e for e in exports if keep(e)]) for c, exports in comments_of(group)]
+        runs = [(c, exports) for c, exports in runs if exports]
+        if not runs:
+            continue
         out.append("\n// %s.\n" % family.title)
         out.extend("// %s\n" % line for line in family.comment)
-        for comment, exports in comments_of(group):
-            out.append("// %s\n" % comment_text(exports, lambda t: MQL_SCALARS[t]))
+        for comment, exports in runs:
+            out.append("// %s\n" % comment.format(t=MQL_SCALARS[exports[0].about] if exports[0].about else ""))
             for e in exports:
                 params = ", ".join(mql_param(e, t, n) for t, n in e.params)
                 out.append("%s %s(%s);\n" % (mql_result(e.result), e.name, params))
-    out.append(MQH_BOTTOM)
-    return "".join(out)
+    return out
+
+
+def make_mqh():
+    with open(os.path.join(ROOT, HELPERS), encoding="utf-8", newline="") as f:
+        helpers = f.read().split("\n", 1)[1]  # without its first line, which says where it goes
+    return "".join([MQH_TOP % GENERATED] + mql_imports(lambda e: e.name not in RAW_MQL) + ["#import\n\n", helpers])
+
+
+def make_raw_mqh():
+    return "".join([RAW_TOP % GENERATED] + mql_imports(lambda e: e.name in RAW_MQL) + ["#import\n"])
 
 
 NEUTRAL_TEXT = {"0": "`0`", "false": "`false`", "0.0": "`0.0`", "null": "null", "none": "(none: box only)",
@@ -493,6 +525,8 @@ def make_reference():
             for e in exports:
                 params = ", ".join("%s%s%s" % (t, "" if t.endswith("*") else " ", n) for t, n in e.params)
                 does = text if e is exports[0] else "As `%s`, with UTF-16 text." % exports[0].name
+                if e.name in RAW_MQL:
+                    does += " MQL5: in `TovarinRaw.mqh` (addresses)."
                 out.append("| `%s` | `%s` | `%s` | %s | %s |\n" % (e.name, params, e.result, does,
                                                                   NEUTRAL_TEXT[e.neutral]))
     return "".join(out)
@@ -564,7 +598,8 @@ def clang_format(text, path):
 
 OUTPUTS = [("exports/Tovarin.def", make_def, False), ("exports/ExportRows.h", make_rows, True),
            ("include/Tovarin.h", make_header, True),
-           ("mql5/Include/Tovarin.mqh", make_mqh, False), ("README.md", make_readme, False)]
+           ("mql5/Include/Tovarin.mqh", make_mqh, False), ("mql5/Include/TovarinRaw.mqh", make_raw_mqh, False),
+           ("README.md", make_readme, False)]
 
 
 def main():

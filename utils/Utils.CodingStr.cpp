@@ -9,13 +9,9 @@ namespace CodingStr {
 
 namespace {
 const char kAnsiToUnicode[] =
-    "class std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class std::allocator<wchar_t> > "
-    "__cdecl Utils::CodingStr::AnsiToUnicode(const class std::basic_string<char,struct "
-    "std::char_traits<char>,class std::allocator<char> > &,const int)";
+    TOVARIN_WSTRING " __cdecl Utils::CodingStr::AnsiToUnicode(const " TOVARIN_STRING " &,const int)";
 const char kUnicodeToAnsi[] =
-    "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> > __cdecl "
-    "Utils::CodingStr::UnicodeToAnsi(const class std::basic_string<wchar_t,struct "
-    "std::char_traits<wchar_t>,class std::allocator<wchar_t> > &,const int)";
+    TOVARIN_STRING " __cdecl Utils::CodingStr::UnicodeToAnsi(const " TOVARIN_WSTRING " &,const int)";
 } // namespace
 
 std::wstring AnsiToUnicode(const std::string& text, const int codePage) {

@@ -28,14 +28,15 @@ const char* BaseName(const char* path) noexcept {
     return base;
 }
 
-std::string LocationA(const Site& site) {
+std::string WhereA(const Site& site, const char* markers) {
     std::ostringstream line;
     line << site.line;
-    return std::string("File: \"") + BaseName(site.file) + "\"\r\nLine: " + line.str() + "\r\n";
+    return std::string(site.signature) + markers + "\r\nFile: \"" + BaseName(site.file) +
+           "\"\r\nLine: " + line.str() + "\r\n";
 }
 
 std::wstring WhereW(const Site& site, const char* markers) {
-    return CodingStr::AnsiToUnicode(std::string(site.signature) + markers + "\r\n" + LocationA(site), 0);
+    return CodingStr::AnsiToUnicode(WhereA(site, markers), 0);
 }
 
 void ThrowAt(const Site& site, const char* markers, const std::wstring& message, bool withLastError,
@@ -199,31 +200,31 @@ HMODULE LoadedModule(const wchar_t* module) {
         << L"Последняя ошибка: " << lastError << std::endl;
     throw out.str();
 }
-} // namespace
 
-void ShowMessageVia(const wchar_t* module, const char* procName, const wchar_t* text, const wchar_t* caption,
-                    unsigned int style, unsigned long timeout) {
+// Both widths: the module is found by its wide name, the box export by `procName`.
+template <class Char>
+void ShowVia(const wchar_t* module, const char* procName, const Char* text, const Char* caption,
+             unsigned int style, unsigned long timeout) {
     ::SetLastError(0);
     const HMODULE user32 = LoadedModule(module);
     if (user32 == nullptr)
-        ThrowNoModule(L"MessageBoxTimeoutW");
-    typedef int(WINAPI * Box)(HWND, LPCWSTR, LPCWSTR, UINT, WORD, DWORD);
+        ThrowNoModule(sizeof(Char) == 1 ? L"MessageBoxTimeoutA" : L"MessageBoxTimeoutW");
+    typedef int(WINAPI * Box)(HWND, const Char*, const Char*, UINT, WORD, DWORD);
     const Box box = reinterpret_cast<Box>(reinterpret_cast<void*>(::GetProcAddress(user32, procName)));
     if (box == nullptr)
         return; // silently, deliberately: no box and no exception
     box(nullptr, text, caption, style, 0, timeout);
 }
 
+} // namespace
+
+void ShowMessageVia(const wchar_t* module, const char* procName, const wchar_t* text, const wchar_t* caption,
+                    unsigned int style, unsigned long timeout) {
+    ShowVia(module, procName, text, caption, style, timeout);
+}
+
 void ShowMessageViaA(const wchar_t* module, const char* procName, const char* text, const char* caption) {
-    ::SetLastError(0);
-    const HMODULE user32 = LoadedModule(module);
-    if (user32 == nullptr)
-        ThrowNoModule(L"MessageBoxTimeoutA");
-    typedef int(WINAPI * Box)(HWND, LPCSTR, LPCSTR, UINT, WORD, DWORD);
-    const Box box = reinterpret_cast<Box>(reinterpret_cast<void*>(::GetProcAddress(user32, procName)));
-    if (box == nullptr)
-        return;
-    box(nullptr, text, caption, kErrorStyle, 0, 0);
+    ShowVia(module, procName, text, caption, kErrorStyle, 0);
 }
 
 } // namespace detail

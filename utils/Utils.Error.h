@@ -22,11 +22,10 @@ struct Site {
 // The file name with its extension, without the folders of the build machine.
 const char* BaseName(const char* path) noexcept;
 
-// "File: \"<base name>\"\r\nLine: <line>\r\n".
-std::string LocationA(const Site& site);
-
-// The where-text of a site: signature + markers + "\r\n" + location, as UTF-16.
-// `markers` is "[f]" for a function, "[f][d]" for a failure detected by a checker.
+// The where-text of a site: signature + markers + "\r\n" + "File: \"<base name>\"\r\nLine: <line>\r\n".
+// `markers` is "[f]" for a function, "[f][d]" for a failure detected by a checker. The wide form is
+// the 8-bit one converted with the system code page.
+std::string WhereA(const Site& site, const char* markers = "[f]");
 std::wstring WhereW(const Site& site, const char* markers = "[f]");
 
 // Composes the failure text of `site` with `message` and throws it as std::wstring.

@@ -211,6 +211,13 @@ std::wstring FileHdd::PathByHandle(void* const handle) {
     return path;
 }
 
+void FileHdd::RequirePath(const Error::Site& site, const wchar_t* purpose) const {
+    if (path_.empty())
+        TOVARIN_THROW_AT(site, "[f]", false,
+                         std::wstring(L"Отсутствует путь к исходному файлу.\r\nДля ") + purpose +
+                             L" необходимо инициализировать класс путём к файлу.");
+}
+
 void FileHdd::CheckTransfer(bool write, void* const handle) const {
     CheckHandle(write ? kWrite : kRead, handle);
 }
@@ -339,21 +346,13 @@ template __int64 FileHdd::Resize<unsigned __int64>(const unsigned __int64);
 
 bool FileHdd::Copy(const std::wstring& to) {
     Guard guard(lock_);
-    if (path_.empty())
-        TOVARIN_THROW(
-            kCopy, false,
-            L"Отсутствует путь к исходному файлу.\r\nДля копирования файла необходимо инициализировать "
-            L"класс путём к файлу.");
+    RequirePath(TOVARIN_SITE(kCopy), L"копирования файла");
     return MainFile::FileOperation(path_, to, FO_COPY);
 }
 
 bool FileHdd::Move(const std::wstring& to) {
     Guard guard(lock_);
-    if (path_.empty())
-        TOVARIN_THROW(
-            kMove, false,
-            L"Отсутствует путь к исходному файлу.\r\nДля перемещения файла необходимо инициализировать "
-            L"класс путём к файлу.");
+    RequirePath(TOVARIN_SITE(kMove), L"перемещения файла");
     if (!MainFile::FileOperation(path_, to, FO_MOVE))
         return false;
     path_ = to;
@@ -363,11 +362,7 @@ bool FileHdd::Move(const std::wstring& to) {
 
 bool FileHdd::Delete() {
     Guard guard(lock_);
-    if (path_.empty())
-        TOVARIN_THROW(
-            kDelete, false,
-            L"Отсутствует путь к исходному файлу.\r\nДля удаления файла необходимо инициализировать "
-            L"класс путём к файлу.");
+    RequirePath(TOVARIN_SITE(kDelete), L"удаления файла");
     if (handle_ != nullptr)
         _Close(handle_);
     handle_ = nullptr;
@@ -376,11 +371,7 @@ bool FileHdd::Delete() {
 
 void FileHdd::HardLink(const std::wstring& link) {
     Guard guard(lock_);
-    if (path_.empty())
-        TOVARIN_THROW(
-            kHardLink, false,
-            L"Отсутствует путь к исходному файлу.\r\nДля создания жёсткой ссылки на файл необходимо "
-            L"инициализировать класс путём к файлу.");
+    RequirePath(TOVARIN_SITE(kHardLink), L"создания жёсткой ссылки на файл");
     File::HardLink(path_, link);
 }
 

@@ -3,6 +3,7 @@
 // arguments of the next open, and the locks that serialise every operation on it. The raw
 // operations take the handle as an argument, so they can work on any handle under the object's
 // lock; every failure is thrown as a composed failure text.
+#include "Utils.Error.h"
 #include "Utils.File.h"
 #include "Utils.Smart.h"
 #include "Utils.Synchronize.h"
@@ -110,6 +111,9 @@ public:
     static constexpr unsigned long kDefaultShare = 3;           // FILE_SHARE_READ | FILE_SHARE_WRITE
 
 private:
+    // ReadHeld and WriteHeld: one call inline, anything else through Transfer.
+    unsigned __int64 TransferHeld(const bool write, void* const handle, void* buffer,
+                                  const unsigned __int64 size);
     // The chunked transfer, with the lock held.
     unsigned __int64 Transfer(bool write, void* const handle, void* buffer, const unsigned __int64 size);
     // CheckHandle with the signature of _Write or _Read. The held transfers call it for a null
@@ -119,6 +123,9 @@ private:
     [[noreturn]] void TransferFailed(bool write, void* const handle, const unsigned __int64 iteration,
                                      const unsigned long length, const unsigned long done);
     void MakeEvent();
+    // Throws "Отсутствует путь к исходному файлу." with `purpose` ("копирования файла", ...) when
+    // the object has no path; `site` is the refused operation's.
+    void RequirePath(const Error::Site& site, const wchar_t* purpose) const;
 
     void* handle_;
     std::wstring path_;
@@ -135,31 +142,29 @@ private:
     Sync::Event fileEvent_;
 };
 
-inline unsigned __int64 FileHdd::ReadHeld(void* const handle, void* buffer, const unsigned __int64 size) {
+inline unsigned __int64 FileHdd::TransferHeld(const bool write, void* const handle, void* buffer,
+                                              const unsigned __int64 size) {
     if (size == 0 || size > kLargestCall)
-        return Transfer(false, handle, buffer, size);
+        return Transfer(write, handle, buffer, size);
     if (handle == nullptr)
-        CheckTransfer(false, handle);
+        CheckTransfer(write, handle);
     ::SetLastError(0);
     const DWORD length = static_cast<DWORD>(size);
     DWORD done = 0;
-    if (!Sys().readFile(handle, buffer, length, &done, nullptr) || done != length)
-        TransferFailed(false, handle, 0, length, done);
+    const BOOL ok = write ? Sys().writeFile(handle, buffer, length, &done, nullptr)
+                          : Sys().readFile(handle, buffer, length, &done, nullptr);
+    if (!ok || done != length)
+        TransferFailed(write, handle, 0, length, done);
     return done;
+}
+
+inline unsigned __int64 FileHdd::ReadHeld(void* const handle, void* buffer, const unsigned __int64 size) {
+    return TransferHeld(false, handle, buffer, size);
 }
 
 inline unsigned __int64 FileHdd::WriteHeld(void* const handle, const void* buffer,
                                            const unsigned __int64 size) {
-    if (size == 0 || size > kLargestCall)
-        return Transfer(true, handle, const_cast<void*>(buffer), size);
-    if (handle == nullptr)
-        CheckTransfer(true, handle);
-    ::SetLastError(0);
-    const DWORD length = static_cast<DWORD>(size);
-    DWORD done = 0;
-    if (!Sys().writeFile(handle, buffer, length, &done, nullptr) || done != length)
-        TransferFailed(true, handle, 0, length, done);
-    return done;
+    return TransferHeld(true, handle, const_cast<void*>(buffer), size);
 }
 
 } // namespace Utils

@@ -10,14 +10,9 @@ namespace Utils {
 namespace detail {
 
 void ThrowBadRadix(bool wide, const char* typeName) {
-    const std::string signature =
-        wide ? std::string("class std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class "
-                           "std::allocator<wchar_t> > __cdecl Utils::NumToStrW<") +
-                   typeName + ">(" + typeName + ",int,bool)"
-             : std::string(
-                   "class std::basic_string<char,struct std::char_traits<char>,class std::allocator<char> > "
-                   "__cdecl Utils::NumToStrA<") +
-                   typeName + ">(" + typeName + ",int,bool)";
+    const std::string signature = std::string(wide ? TOVARIN_WSTRING " __cdecl Utils::NumToStrW<"
+                                                   : TOVARIN_STRING " __cdecl Utils::NumToStrA<") +
+                                  typeName + ">(" + typeName + ",int,bool)";
     // The text names NumToStrA in both routines, deliberately.
     TOVARIN_THROW(
         signature.c_str(), false,
@@ -41,8 +36,9 @@ std::wstring EvaluateName(const char* registerType, long long poly, long long in
     // The parameters show as signed decimals, as the compiler's signature text shows them.
     std::ostringstream signature;
     signature << registerType << " __cdecl Utils::Hash::CRC<" << registerType << "," << poly << "," << init
-              << "," << xorOut << ">::Evaluate<" << textType << ">(const " << textType << " &)\r\n";
-    return CodingStr::AnsiToUnicode(signature.str() + Error::LocationA(Error::Site{"", file, line}), 0);
+              << "," << xorOut << ">::Evaluate<" << textType << ">(const " << textType << " &)";
+    const std::string text = signature.str();
+    return Error::WhereW(TOVARIN_FIXED_SITE(text.c_str(), file, line), "");
 }
 
 } // namespace detail

@@ -27,22 +27,24 @@ const bool kSmartLockReady = (Sync::SmartLock(), true);
 
 Base::~Base() {}
 
+namespace {
+// The base comparisons refuse: a class compared inside smart-pointer containers defines its own.
+[[noreturn]] void RefuseComparison(const Error::Site& site, const wchar_t* condition, const wchar_t* method) {
+    TOVARIN_THROW_AT(site, "[f]", false,
+                     std::wstring(L"Метод позволяет сравнивать объекты по условию \"") + condition +
+                         L"\" внутри класса умного указателя.\r\n"
+                         L"Для использования этого метода необходимо определить его в своём коде.\r\n"
+                         L"Основной метод \"Utils::Smart::Base::" +
+                         method + L"()\".\r\nТщательно проверьте этот метод, если он нужен.");
+}
+} // namespace
+
 bool Base::Equals(Base*) {
-    TOVARIN_THROW_AT(
-        TOVARIN_FIXED_SITE(kEquals, __FILE__, kEqualsLine), "[f]", false,
-        L"Метод позволяет сравнивать объекты по условию \"равно\" внутри класса умного указателя.\r\n"
-        L"Для использования этого метода необходимо определить его в своём коде.\r\n"
-        L"Основной метод \"Utils::Smart::Base::Equals()\".\r\n"
-        L"Тщательно проверьте этот метод, если он нужен.");
+    RefuseComparison(TOVARIN_FIXED_SITE(kEquals, __FILE__, kEqualsLine), L"равно", L"Equals");
 }
 
 bool Base::Less(Base*) {
-    TOVARIN_THROW_AT(
-        TOVARIN_FIXED_SITE(kLess, __FILE__, kLessLine), "[f]", false,
-        L"Метод позволяет сравнивать объекты по условию \"меньше\" внутри класса умного указателя.\r\n"
-        L"Для использования этого метода необходимо определить его в своём коде.\r\n"
-        L"Основной метод \"Utils::Smart::Base::Less()\".\r\n"
-        L"Тщательно проверьте этот метод, если он нужен.");
+    RefuseComparison(TOVARIN_FIXED_SITE(kLess, __FILE__, kLessLine), L"меньше", L"Less");
 }
 
 void Base::Release() {

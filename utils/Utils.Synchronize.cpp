@@ -53,7 +53,7 @@ void CriticalSection::Init(unsigned long spinCount) {
         TOVARIN_THROW_LOCK(kInit, kInitLine, L"Неудачная инициализация критической секции.");
 }
 
-Mutex::Mutex() : timeout_(INFINITE), handle_(nullptr) {}
+Mutex::Mutex() {}
 
 Mutex::~Mutex() {
     try {
@@ -88,7 +88,7 @@ void Mutex::Close() {
     handle_ = nullptr;
 }
 
-Event::Event() : timeout_(INFINITE), handle_(nullptr) {}
+Event::Event() {}
 
 Event::~Event() {
     try {

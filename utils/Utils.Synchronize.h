@@ -28,13 +28,30 @@ private:
     CRITICAL_SECTION section_;
 };
 
+// What a mutex and an event hold: the wait time-out (INFINITE), the handle (null while closed) and
+// the name (empty for an unnamed object).
+class KernelObject {
+public:
+    void* Handle() const { return handle_; }
+    const std::wstring& Name() const { return name_; }
+    unsigned long Timeout() const { return timeout_; }
+
+protected:
+    KernelObject() : timeout_(INFINITE), handle_(nullptr) {}
+    KernelObject(const KernelObject&) = delete;
+    KernelObject& operator=(const KernelObject&) = delete;
+
+    // Protected so that a derived object (a test, say) can hold a handle of its own making.
+    unsigned long timeout_;
+    HANDLE handle_;
+    std::wstring name_;
+};
+
 // A kernel mutex; closed (null handle) until Create.
-class Mutex {
+class Mutex : public KernelObject {
 public:
     Mutex();
     virtual ~Mutex(); // closes the handle; a failure to close is not reported from here
-    Mutex(const Mutex&) = delete;
-    Mutex& operator=(const Mutex&) = delete;
 
     // Closes the current handle, then creates (or opens, when the name exists) a mutex that nobody
     // owns; an empty name makes an unnamed one. The last two arguments are ignored deliberately:
@@ -46,25 +63,13 @@ public:
     // Closes the handle; nothing when closed. A handle that is already invalid counts as closed.
     // Throws "... не закрыт." on any other failure, keeping the handle.
     void Close();
-
-    void* Handle() const { return handle_; }
-    const std::wstring& Name() const { return name_; }
-    unsigned long Timeout() const { return timeout_; }
-
-protected:
-    // Protected so that a derived object (a test, say) can hold a handle of its own making.
-    unsigned long timeout_;
-    HANDLE handle_;
-    std::wstring name_;
 };
 
 // A kernel auto-reset event that starts signalled; closed (null handle) until Create.
-class Event {
+class Event : public KernelObject {
 public:
     Event();
     virtual ~Event(); // closes the handle; a failure to close is not reported from here
-    Event(const Event&) = delete;
-    Event& operator=(const Event&) = delete;
 
     // Closes the current handle, then creates (or opens, when the name exists) an auto-reset event
     // that starts signalled; an empty name makes an unnamed one. The numeric arguments are ignored
@@ -73,16 +78,6 @@ public:
     // Closes the handle; nothing when closed. Unlike Mutex::Close, an invalid handle throws
     // "... не закрыто." (the handle is kept).
     void Close();
-
-    void* Handle() const { return handle_; }
-    const std::wstring& Name() const { return name_; }
-    unsigned long Timeout() const { return timeout_; }
-
-protected:
-    // Protected so that a derived object (a test, say) can hold a handle of its own making.
-    unsigned long timeout_;
-    HANDLE handle_;
-    std::wstring name_;
 };
 
 // Scoped guards. Lock<CriticalSection> and Lock<Mutex> are the two kinds.

@@ -171,6 +171,21 @@ int FirstDifference(const MqlRates &a[], const MqlRates &b[])
   }
 
 //+------------------------------------------------------------------+
+//| The text with every character that Windows forbids in a file     |
+//| name replaced by an underscore                                   |
+//+------------------------------------------------------------------+
+string NameForFile(const string text)
+  {
+   ushort forbidden[] = {47, 92, 58, 42, 63, 34, 60, 62, 124};   // slash, backslash, : * ? quote < > |
+   string part = text;
+   for(int i = 0; i < StringLen(part); i++)
+      for(int j = 0; j < ArraySize(forbidden); j++)
+         if(StringGetCharacter(part, i) == forbidden[j])
+            StringSetCharacter(part, i, '_');
+   return(part);
+  }
+
+//+------------------------------------------------------------------+
 //| Script program start function                                    |
 //+------------------------------------------------------------------+
 void OnStart()
@@ -190,7 +205,8 @@ void OnStart()
 
    string period = EnumToString(_Period);
    StringReplace(period, "PERIOD_", "");
-   string name   = _Symbol + "_" + period + ".bars";
+   // A symbol such as "EUR/USD" or "US500:cash" holds characters that no file name may hold.
+   string name   = NameForFile(_Symbol) + "_" + period + ".bars";
    string common = TerminalInfoString(TERMINAL_COMMONDATA_PATH) + "\\Tovarin";
    string path   = common + "\\Export\\" + name;
    string inbox  = InpInbox != "" ? InpInbox : common + "\\Inbox";

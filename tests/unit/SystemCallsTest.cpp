@@ -129,7 +129,7 @@ TEST(SeamLinks, SymbolicLinksNameTheLinkFirstAndTheExistingFileAsTarget) {
     g_seen.clear();
     EXPECT_EQ(Project::SymbolicLink(dir / L"file.bin", dir / L"sub\\link.bin"), 1);
     void* handle = Project::OpenFile(dir / L"file.bin", 0xFFFFFFFF, 0xFFFFFFFF, CREATE_ALWAYS);
-    EXPECT_EQ(Project::SymbolicLinkByHandle(handle, dir / L"link2.bin"), 1);
+    EXPECT_EQ(Project::SymbolicLinkByHandle(handle, (dir / L"link2.bin").c_str()), 1);
     Project::CloseByHandle(handle);
     const std::vector<std::wstring> expected = {dir / L"sub\\link.bin", dir / L"file.bin", L"0",
                                                 dir / L"link2.bin",     dir / L"file.bin", L"0"};

@@ -1,0 +1,162 @@
+// Appended as it stands to Include/Tovarin.mqh by scripts/generate-exports.py (this line is not).
+//+------------------------------------------------------------------+
+//| Text for the 8-bit (A) functions: the system code page with its  |
+//| terminating zero. Returns the bytes including the zero.          |
+//+------------------------------------------------------------------+
+int TovarinAnsi(const string text, uchar &ansi[])
+  {
+   ArrayFree(ansi);
+   int n = StringToCharArray(text, ansi, 0, WHOLE_ARRAY, CP_ACP);
+   if(n <= 0 || ansi[n - 1] != 0)
+     {
+      n = MathMax(n, 0);
+      ArrayResize(ansi, n + 1);
+      ansi[n] = 0;
+      n++;
+     }
+   return n;
+  }
+
+//+------------------------------------------------------------------+
+//| String arrays as CR LF lines and 8-bit text, in plain MQL5.      |
+//| They write and read the same bytes as the library's string-array |
+//| functions (TovarinRaw.mqh), through the functions above only.    |
+//+------------------------------------------------------------------+
+// A line is its characters followed by CR LF: UTF-16LE for the W helpers, 8-bit text in the system
+// code page for the A helpers; no count, header or byte-order mark. A reader takes the whole rest of
+// the file. Text after the last CR LF is not a line, and a lone CR or LF belongs to its line.
+// Results: the number of lines written or read; TOVARIN_FAILED_COUNT after a failure, which a
+// message box has explained. The readers need a file below 2 GiB (FileGetSize is right only there)
+// and refuse a larger one with a line in the log.
+
+// Writes every string of the array as one UTF-16LE line (as FileWriteStrArrayW does).
+ulong TovarinWriteLinesW(const long handle, const string &lines[])
+  {
+   int n = ArraySize(lines);
+   for(int i = 0; i < n; i++)
+      if(FileWriteStringW(handle, lines[i]) < 0 || FileWriteStringW(handle, "\r\n") < 0)
+         return(TOVARIN_FAILED_COUNT);
+   return((ulong)n);
+  }
+
+// Writes every string of the array as one 8-bit line in the system code page (as
+// FileWriteStrArrayA does with the same text).
+ulong TovarinWriteLinesA(const long handle, const string &lines[])
+  {
+   uchar lineEnd[2] = {13, 10};
+   uchar bytes[];
+   int n = ArraySize(lines);
+   for(int i = 0; i < n; i++)
+     {
+      int copied = StringToCharArray(lines[i], bytes, 0, WHOLE_ARRAY, CP_ACP);
+      int length = 0;
+      while(length < copied && bytes[length] != 0)
+         length++;
+      if(length > 0 && FileWriteVoid(handle, bytes, (ulong)length) != (ulong)length)
+         return(TOVARIN_FAILED_COUNT);
+      if(FileWriteVoid(handle, lineEnd, 2) != 2)
+         return(TOVARIN_FAILED_COUNT);
+     }
+   return((ulong)n);
+  }
+
+// Bytes from the file pointer to the end of the file, or -1 after a failure.
+long TovarinBytesLeft(const long handle)
+  {
+   long pointer = FileGetPointer(handle);
+   ulong size = FileGetSize(handle);
+   if(pointer < 0)
+      return(-1);
+   if(size > 0x7FFFFFFF || (long)size < pointer)
+     {
+      Print("Tovarin: a file of 2 GiB or more cannot be read as lines");
+      return(-1);
+     }
+   return((long)size - pointer);
+  }
+
+// Adds text[begin .. begin + length - 1] to lines (an empty line for length 0).
+void TovarinAddLineW(string &lines[], const int index, const ushort &text[], const int begin, const int length)
+  {
+   ArrayResize(lines, index + 1, 1024);
+   lines[index] = length > 0 ? ShortArrayToString(text, begin, length) : "";
+  }
+
+void TovarinAddLineA(string &lines[], const int index, const uchar &text[], const int begin, const int length)
+  {
+   ArrayResize(lines, index + 1, 1024);
+   lines[index] = length > 0 ? CharArrayToString(text, begin, length, CP_ACP) : "";
+  }
+
+// Reads the rest of the file as UTF-16LE lines into lines (resized to their number), as
+// FileReadStrArrayW does, and leaves the pointer at the end of the file.
+ulong TovarinReadLinesW(const long handle, string &lines[])
+  {
+   ArrayResize(lines, 0);
+   long left = TovarinBytesLeft(handle);
+   if(left < 0)
+      return(TOVARIN_FAILED_COUNT);
+   int length = (int)(left / 2);
+   ushort text[];
+   if(length > 0 && (ArrayResize(text, length) != length
+                     || FileReadUShortArray(handle, text, (ulong)length, 0, (ulong)length) != (ulong)length))
+      return(TOVARIN_FAILED_COUNT);
+   int count = 0;
+   int begin = 0;
+   for(int i = 0; i + 1 < length; i++)
+      if(text[i] == 13 && text[i + 1] == 10)
+        {
+         TovarinAddLineW(lines, count++, text, begin, i - begin);
+         begin = i + 2;
+         i++;
+        }
+   return((ulong)count);
+  }
+
+// Reads the rest of the file as 8-bit lines in the system code page into lines (resized to their
+// number), as FileReadStrArrayA does, and leaves the pointer at the end of the file.
+ulong TovarinReadLinesA(const long handle, string &lines[])
+  {
+   ArrayResize(lines, 0);
+   long left = TovarinBytesLeft(handle);
+   if(left < 0)
+      return(TOVARIN_FAILED_COUNT);
+   int length = (int)left;
+   uchar text[];
+   if(length > 0 && (ArrayResize(text, length) != length
+                     || FileReadVoid(handle, text, (ulong)length) != (ulong)length))
+      return(TOVARIN_FAILED_COUNT);
+   int count = 0;
+   int begin = 0;
+   for(int i = 0; i + 1 < length; i++)
+      if(text[i] == 13 && text[i + 1] == 10)
+        {
+         TovarinAddLineA(lines, count++, text, begin, i - begin);
+         begin = i + 2;
+         i++;
+        }
+   return((ulong)count);
+  }
+
+// Reads size bytes of 8-bit text in the system code page into text, less trailing zeros, spaces,
+// tabs, CR and LF, as FileReadStringA does. false after a failure (text is then empty).
+bool TovarinReadStringA(const long handle, const ulong size, string &text)
+  {
+   text = "";
+   if(size > 0x7FFFFFFF)
+     {
+      Print("Tovarin: TovarinReadStringA reads less than 2 GiB at once");
+      return(false);
+     }
+   int n = (int)size;
+   uchar bytes[];
+   if(n > 0 && (ArrayResize(bytes, n) != n || FileReadVoid(handle, bytes, size) != size))
+      return(false);
+   while(n > 0 && (bytes[n - 1] == 0 || bytes[n - 1] == 32 || bytes[n - 1] == 10 || bytes[n - 1] == 13
+                   || bytes[n - 1] == 9))
+      n--;
+   if(n > 0)
+      text = CharArrayToString(bytes, 0, n, CP_ACP);
+   return(true);
+  }
+//+------------------------------------------------------------------+

@@ -1,0 +1,36 @@
+#!/usr/bin/env python3
+"""Checks the release zip: exactly the kit's files, laid out as a terminal's data folder (MQL5/...)
+plus c/ and README.txt, each the same bytes as the file it was made from.
+
+    scripts/check-dist.py ZIP DLL IMPORT_LIBRARY      # from the source folder
+"""
+import os
+import sys
+import zipfile
+
+
+def main(zip_path, dll, import_library):
+    sources = {"MQL5/Libraries/Tovarin.dll": dll,
+               "MQL5/Include/Tovarin.mqh": "mql5/Include/Tovarin.mqh",
+               "MQL5/Include/TovarinRaw.mqh": "mql5/Include/TovarinRaw.mqh",
+               "MQL5/Scripts/TovarinExample.mq5": "mql5/Scripts/TovarinExample.mq5",
+               "c/Tovarin.h": "include/Tovarin.h",
+               "c/Tovarin.def": "exports/Tovarin.def",
+               "c/" + os.path.basename(import_library): import_library,
+               "README.txt": "packaging/README.txt"}
+    with zipfile.ZipFile(zip_path) as archive:
+        names = {n for n in archive.namelist() if not n.endswith("/")}
+        problems = ["missing: " + n for n in sorted(set(sources) - names)]
+        problems += ["not part of the kit: " + n for n in sorted(names - set(sources))]
+        for name in sorted(names & set(sources)):
+            with open(sources[name], "rb") as f:
+                if archive.read(name) != f.read():
+                    problems.append("differs from %s: %s" % (sources[name], name))
+    for problem in problems:
+        print(problem)
+    print("%s: %d files, %s" % (os.path.basename(zip_path), len(names), "not as expected" if problems else "as expected"))
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
