@@ -103,7 +103,7 @@ TEST_F(Seam, TransfersAboveFourGigabytesGoOutInChunks) {
     EXPECT_EQ(file._Write(handle, buffer, 0x200000001ull), 0x200000001ull);
     EXPECT_EQ(file._Read(handle, buffer, 0x100000000ull), 0x100000000ull);
     const std::vector<std::wstring> expected = {L"0+4294967295", L"4294967295+4294967295", L"8589934590+3",
-                                              L"0+4294967295", L"4294967295+1"};
+                                                L"0+4294967295", L"4294967295+1"};
     EXPECT_EQ(g.seen, expected);
     ::VirtualFree(buffer, 0, MEM_RELEASE);
 }
