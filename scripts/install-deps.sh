@@ -9,6 +9,9 @@ command -v cmake >/dev/null || need+=(cmake)
 [ -f /usr/src/googletest/CMakeLists.txt ] || need+=(googletest)
 command -v make >/dev/null || need+=(make)
 command -v zip >/dev/null || need+=(zip)
+# The check of the generated files formats them as the repository does.
+command -v python3 >/dev/null || need+=(python3)
+command -v clang-format >/dev/null || need+=(clang-format)
 [ ${#need[@]} -eq 0 ] && exit 0
 sudo=""
 [ "$(id -u)" -eq 0 ] || sudo=sudo
