@@ -3,17 +3,43 @@
 // argument from one set of values by its type; expectations on the boxes the exports show.
 #include "BoxRecorder.h"
 #include "TempDir.h"
-#include "TovarinDll.h"
 #include "include/Tovarin.h"
+
+#include <gtest/gtest.h>
 
 #include <cstring>
 #include <initializer_list>
+#include <stdexcept>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace TestSupport {
+
+// The folder of the running executable, with a trailing backslash.
+inline std::wstring ExecutableFolder() {
+    wchar_t self[MAX_PATH] = {};
+    const std::wstring path(self, ::GetModuleFileNameW(nullptr, self, MAX_PATH));
+    return path.substr(0, path.find_last_of(L'\\') + 1);
+}
+
+// The export `name` of a loaded module as a function of type F.
+template <class F> F FromModule(HMODULE module, const char* name) {
+    FARPROC proc = ::GetProcAddress(module, name);
+    if (proc == nullptr)
+        throw std::runtime_error(std::string("no export ") + name);
+    return reinterpret_cast<F>(reinterpret_cast<void*>(proc));
+}
+
+// The built Tovarin.dll, loaded the way the terminal loads it; a missing export fails the test.
+struct TovarinDll {
+    static HMODULE Module() {
+        static HMODULE module = ::LoadLibraryW((ExecutableFolder() + L"Tovarin.dll").c_str());
+        return module;
+    }
+    template <class F> static F Get(const char* name) { return FromModule<F>(Module(), name); }
+};
 
 typedef unsigned __int64 u64;
 
@@ -110,3 +136,6 @@ private:
 };
 
 } // namespace TestSupport
+
+// The export `name`, typed by its declaration in include/Tovarin.h.
+#define TOVARIN_FN(name) ::TestSupport::TovarinDll::Get<decltype(&::name)>(#name)

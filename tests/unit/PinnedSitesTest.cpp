@@ -12,7 +12,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
+using namespace TestSupport;
 
 namespace {
 
@@ -23,15 +23,6 @@ struct PlantedEvent : Utils::Sync::Event {
     explicit PlantedEvent(HANDLE handle) { handle_ = handle; }
     ~PlantedEvent() override { handle_ = nullptr; }
 };
-
-std::wstring Thrown(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const std::wstring& text) {
-        return text;
-    }
-    return L"(nothing thrown)";
-}
 
 struct Site {
     const wchar_t* file;
@@ -75,16 +66,16 @@ TEST(PinnedSites, TextsShowTheirFileAndLine) {
         const std::wstring where = std::wstring(L"File: \"") + site.file + L"\"\r\nLine: ";
         EXPECT_NE(text.find(site.line == 0 ? where : where + std::to_wstring(site.line) + L"\r\n"),
                   std::wstring::npos)
-            << TestSupport::Narrow(text);
+            << Narrow(text);
     }
 }
 
 // The describer's notice for a shell code is a box, not a throw.
 TEST(PinnedSites, DescriberNoticeShowsItsFileAndLine) {
-    TestSupport::BoxRecorder boxes;
+    BoxRecorder boxes;
     ::SetLastError(0x71);
     Utils::Error::DescriptionW<int>(0);
-    const std::vector<TestSupport::Box> shown = boxes.Boxes();
+    const std::vector<Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 1u);
     EXPECT_NE(shown[0].text.find(L"File: \"Utils.Error.cpp\"\r\nLine: 522\r\n"), std::wstring::npos);
 }
