@@ -2,8 +2,6 @@
 // it looks at a count of 0; open and create by disposition; position, size, clear and resize.
 #include "support/Exports.h"
 
-#include <winioctl.h>
-
 #include <gtest/gtest.h>
 
 using namespace TestSupport;
@@ -164,29 +162,6 @@ TEST_F(Handles, PositionSizeClearAndResize) {
     EXPECT_EQ(TOVARIN_FN(FileSetPointerCurrent)(h, -1), -1); // before the start
     ExpectOneBox(boxes, "FileSetPointerCurrent", {L"Не смещён файловый указатель в файле:"});
     close(h);
-}
-
-// The size is the low 32 bits sign-extended, deliberately.
-TEST_F(Handles, GetSizeKeepsThirtyTwoBits) {
-    const std::wstring path = dir / L"big.bin";
-    HANDLE raw =
-        ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    ASSERT_NE(raw, INVALID_HANDLE_VALUE);
-    DWORD ignored = 0;
-    ::DeviceIoControl(raw, FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &ignored, nullptr);
-    LARGE_INTEGER size;
-    size.QuadPart = 3000000000ll;
-    const bool made = ::SetFilePointerEx(raw, size, nullptr, FILE_BEGIN) && ::SetEndOfFile(raw);
-    ::CloseHandle(raw);
-    if (!made)
-        GTEST_SKIP() << "this file system cannot make a 3,000,000,000-byte file";
-    void* h = TOVARIN_FN(FileOpenExistingW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
-    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 18446744072414584320ull);
-    TOVARIN_FN(FileResize)(h, 5000000000ull);
-    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 5000000000ull & 0xFFFFFFFFull);
-    TOVARIN_FN(FileResize)(h, 0);
-    close(h);
-    ExpectNoBox(boxes);
 }
 
 } // namespace

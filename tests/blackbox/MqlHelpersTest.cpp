@@ -95,14 +95,4 @@ TEST(MqlHelpers, ReadStringAAsTheExport) {
     ExpectNoBox(boxes);
 }
 
-// Tovarin.mqh imports nothing that needs an address MQL5 cannot make; TovarinRaw.mqh has those.
-TEST(MqlHelpers, MainIncludeImportsNoAddressForms) {
-    const std::string mqh = ReadFileBytes(std::wstring(TOVARIN_SOURCE_DIR) + L"\\mql5\\Include\\Tovarin.mqh");
-    const std::size_t open = mqh.find("#import \"Tovarin.dll\"");
-    ASSERT_NE(open, std::string::npos);
-    const std::string imports = mqh.substr(open, mqh.find("#import\n", open + 1) - open);
-    for (const char* form : {"string &", "&strings[]", "&records[]", "struct", "FileReadStringA"})
-        EXPECT_EQ(imports.find(form), std::string::npos) << form;
-}
-
 } // namespace

@@ -83,16 +83,6 @@ TEST_F(Paths, HardLinksShareTheFileOnOneDriveOnly) {
     EXPECT_FALSE(FileExists(link));
 }
 
-TEST_F(Paths, SymbolicLinksMakeTheFolderAndWhereThePlatformAllowsTheLink) {
-    EXPECT_EQ(TOVARIN_FN(FileSymbolicLinkW)(src.c_str(), (dir / L"links\\sym.bin").c_str()), 1);
-    ExpectNoBox(boxes);
-    EXPECT_TRUE(FileExists(dir / L"links"));
-    if (!FileExists(dir / L"links\\sym.bin"))
-        GTEST_SKIP()
-            << "symbolic links are reported made but not made here; their order is tested in the unit tests";
-    EXPECT_EQ(ReadFileBytes(dir / L"links\\sym.bin"), "source");
-}
-
 TEST_F(Paths, CompletedOperationAlwaysRefuses) {
     const std::wstring never = dir / L"never.bin";
     EXPECT_EQ(TOVARIN_FN(FileCompletedW)(never.c_str(), 2, -1, 0, 0, 0, nullptr, 0), 0u);
