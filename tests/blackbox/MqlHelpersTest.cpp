@@ -52,8 +52,8 @@ template <class Ch> void CheckLines(const char* write, const char* read) {
             pointers.push_back(line.c_str());
         TOVARIN_FN(FileClear)(file);
         if (!lines.empty()) // the export refuses an empty array with a box; the helper writes nothing
-            TovarinDll::Get<u64 (*)(void*, const Ch**, u64, u64, u64)>(write)(file, pointers.data(),
-                                                                              lines.size(), 0, ~0ull);
+            FromModule<u64 (*)(void*, const Ch**, u64, u64, u64)>(TovarinModule(), write)(
+                file, pointers.data(), lines.size(), 0, ~0ull);
         EXPECT_EQ(ReadFileBytes(dir / L"lines"),
                   std::string(reinterpret_cast<const char*>(joined.data()), joined.size() * sizeof(Ch)));
         TOVARIN_FN(FileClear)(file);
@@ -63,8 +63,8 @@ template <class Ch> void CheckLines(const char* write, const char* read) {
         Ch* p[8];
         for (int i = 0; i < 8; ++i)
             p[i] = &buffers[64 * i];
-        const u64 n =
-            TovarinDll::Get<u64 (*)(void*, Ch**, u64, u64, u64, u64)>(read)(file, p, 8, 64, 0, ~0ull);
+        const u64 n = FromModule<u64 (*)(void*, Ch**, u64, u64, u64, u64)>(TovarinModule(),
+                                                                           read)(file, p, 8, 64, 0, ~0ull);
         EXPECT_EQ(Lines<Ch>(p, p + (n > 8 ? 0 : n)), lines);
         EXPECT_EQ(HelperParse(content), lines);
     }

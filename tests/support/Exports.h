@@ -32,14 +32,11 @@ template <class F> F FromModule(HMODULE module, const char* name) {
     return reinterpret_cast<F>(reinterpret_cast<void*>(proc));
 }
 
-// The built Tovarin.dll, loaded the way the terminal loads it; a missing export fails the test.
-struct TovarinDll {
-    static HMODULE Module() {
-        static HMODULE module = ::LoadLibraryW((ExecutableFolder() + L"Tovarin.dll").c_str());
-        return module;
-    }
-    template <class F> static F Get(const char* name) { return FromModule<F>(Module(), name); }
-};
+// The built Tovarin.dll, loaded once the way the terminal loads it.
+inline HMODULE TovarinModule() {
+    static HMODULE module = ::LoadLibraryW((ExecutableFolder() + L"Tovarin.dll").c_str());
+    return module;
+}
 
 typedef unsigned __int64 u64;
 
@@ -109,7 +106,7 @@ struct ExportRow {
     u64 (*run)(FARPROC, const CallArgs&);
     bool byHandle; // the first argument is a handle
     int texts;     // text arguments
-    u64 Call(const CallArgs& args) const { return run(TovarinDll::Get<FARPROC>(name), args); }
+    u64 Call(const CallArgs& args) const { return run(FromModule<FARPROC>(TovarinModule(), name), args); }
 };
 
 const std::vector<ExportRow>& Exports();
@@ -138,4 +135,4 @@ private:
 } // namespace TestSupport
 
 // The export `name`, typed by its declaration in include/Tovarin.h.
-#define TOVARIN_FN(name) ::TestSupport::TovarinDll::Get<decltype(&::name)>(#name)
+#define TOVARIN_FN(name) ::TestSupport::FromModule<decltype(&::name)>(::TestSupport::TovarinModule(), #name)
