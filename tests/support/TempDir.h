@@ -20,9 +20,6 @@ private:
     std::wstring path_;
 };
 
-// A folder on another drive than the temporary folder (Z: under Wine), or empty when there is none.
-std::wstring SecondDriveRoot();
-
 std::string ReadFileBytes(const std::wstring& path);
 bool WriteFileBytes(const std::wstring& path, const std::string& bytes);
 bool FileExists(const std::wstring& path);
