@@ -39,54 +39,42 @@ public:
 template <class T>
 void Scalar(Data& d, int (*write)(void* const, const T), T (*read)(void* const), T value,
             const std::string& bytes) {
-    void* h = d.h;
     SCOPED_TRACE(bytes.size());
-    TOVARIN_FN(FileClear)(h);
-    EXPECT_EQ(write(h, value), static_cast<int>(bytes.size()));
+    d.Reset();
+    EXPECT_EQ(write(d.h, value), static_cast<int>(bytes.size()));
     EXPECT_EQ(d.Bytes(), bytes);
-    TOVARIN_FN(FileSetPointerBegin)(h, 0);
-    const T back = read(h);
+    d.Rewind();
+    const T back = read(d.h);
     EXPECT_EQ(std::memcmp(&back, &value, sizeof(T)), 0);
 }
 
 TEST_F(Data, ScalarsAreTheirLittleEndianBytes) {
-    Scalar<bool>(*this, TOVARIN_FN(FileWriteBoolean), TOVARIN_FN(FileReadBoolean), true, "\x01");
-    Scalar<char>(*this, TOVARIN_FN(FileWriteChar), TOVARIN_FN(FileReadChar), -128, "\x80");
-    Scalar<unsigned char>(*this, TOVARIN_FN(FileWriteUChar), TOVARIN_FN(FileReadUChar), 0xFE, "\xFE");
-    Scalar<short>(*this, TOVARIN_FN(FileWriteShort), TOVARIN_FN(FileReadShort), -2, "\xFE\xFF");
-    Scalar<unsigned short>(*this, TOVARIN_FN(FileWriteUShort), TOVARIN_FN(FileReadUShort), 0xFEDC,
-                           "\xDC\xFE");
-    Scalar<int>(*this, TOVARIN_FN(FileWriteInt), TOVARIN_FN(FileReadInt), 1, std::string("\x01\0\0\0", 4));
-    Scalar<unsigned int>(*this, TOVARIN_FN(FileWriteUInt), TOVARIN_FN(FileReadUInt), 0xDEADBEEF,
-                         "\xEF\xBE\xAD\xDE");
-    Scalar<__int64>(*this, TOVARIN_FN(FileWriteInt64), TOVARIN_FN(FileReadInt64),
-                    std::numeric_limits<__int64>::min(), std::string("\0\0\0\0\0\0\0\x80", 8));
-    Scalar<u64>(*this, TOVARIN_FN(FileWriteUInt64), TOVARIN_FN(FileReadUInt64), 0x0102030405060708ull,
-                "\x08\x07\x06\x05\x04\x03\x02\x01");
-    Scalar<float>(*this, TOVARIN_FN(FileWriteFlt), TOVARIN_FN(FileReadFlt), -2.0f,
-                  std::string("\0\0\0\xC0", 4));
-    Scalar<double>(*this, TOVARIN_FN(FileWriteDbl), TOVARIN_FN(FileReadDbl), 1.0,
-                   std::string("\0\0\0\0\0\0\xF0\x3F", 8));
+#define TOVARIN_SCALAR(Name, T, value, bytes)                                                                \
+    Scalar<T>(*this, TOVARIN_FN(FileWrite##Name), TOVARIN_FN(FileRead##Name), value,                         \
+              std::string(bytes, sizeof(T)))
+    TOVARIN_SCALAR(Boolean, bool, true, "\x01");
+    TOVARIN_SCALAR(Char, char, -128, "\x80");
+    TOVARIN_SCALAR(UChar, unsigned char, 0xFE, "\xFE");
+    TOVARIN_SCALAR(Short, short, -2, "\xFE\xFF");
+    TOVARIN_SCALAR(UShort, unsigned short, 0xFEDC, "\xDC\xFE");
+    TOVARIN_SCALAR(Int, int, 1, "\x01\0\0\0");
+    TOVARIN_SCALAR(UInt, unsigned int, 0xDEADBEEF, "\xEF\xBE\xAD\xDE");
+    TOVARIN_SCALAR(Int64, __int64, std::numeric_limits<__int64>::min(), "\0\0\0\0\0\0\0\x80");
+    TOVARIN_SCALAR(UInt64, u64, 0x0102030405060708ull, "\x08\x07\x06\x05\x04\x03\x02\x01");
+    TOVARIN_SCALAR(Flt, float, -2.0f, "\0\0\0\xC0");
+    TOVARIN_SCALAR(Dbl, double, 1.0, "\0\0\0\0\0\0\xF0\x3F");
+#undef TOVARIN_SCALAR
     ExpectNoBox(boxes);
 }
 
 // A short scalar read returns 0 with the short-read text; a short array read keeps what arrived.
 TEST_F(Data, ShortReadsKeepTheBytesThatArrived) {
     EXPECT_EQ(TOVARIN_FN(FileReadInt)(h), 0);
-    const std::vector<Box> shown = boxes.Boxes();
-    boxes.Clear();
-    ASSERT_EQ(shown.size(), 1u);
-    const std::vector<int> lines = LinesOf(shown[0].text);
-    ASSERT_EQ(lines.size(), 2u);
-    wchar_t system[512] = {}; // the read at the end succeeds, so the last error is 0
-    ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, 0, 0, system, 512, nullptr);
-    EXPECT_EQ(shown[0].text, Heading("FileReadInt") + std::to_wstring(lines[0]) +
-                                 L"\r\n\nОшибка в функции \"unsigned __int64 __cdecl "
-                                 L"Utils::FileHdd::_Read(void *const ,void *,const "
-                                 L"unsigned __int64)\"!\r\nFile: \"Utils.FileHdd.cpp\"\r\nLine: " +
-                                 std::to_wstring(lines[1]) + L"\r\n\nLast Error: 0.\n" + system +
-                                 L"\nНа итерации 0 не прочитаны данные из файла:\n\"" + path +
-                                 L"\"\nФайловый указатель: 0\nЗапрошено: 4\nПрочитано: 0\n\n");
+    ExpectOneBox(boxes, "FileReadInt",
+                 {L"Utils::FileHdd::_Read(void *const ,void *,const unsigned __int64)\"!\r\nFile: "
+                  L"\"Utils.FileHdd.cpp\"",
+                  L"\nНа итерации 0 не прочитаны данные из файла:\n\"" + path +
+                      L"\"\nФайловый указатель: 0\nЗапрошено: 4\nПрочитано: 0\n\n"});
     TOVARIN_FN(FileWriteShort)(h, 0x0102);
     Rewind();
     EXPECT_EQ(TOVARIN_FN(FileReadInt)(h), 0); // the neutral result, not the two bytes
@@ -103,40 +91,33 @@ TEST_F(Data, ShortReadsKeepTheBytesThatArrived) {
     EXPECT_EQ(doubles[2], -1.0);
 }
 
-// Every typed array: elements 1.. of a 3-element array (count to the end) go out and come back.
+// Every typed array: elements 1.. of a 3-element array (count to the end) go out and come back
+// into elements 1.. of another; its element 0 stays untouched.
 template <class T>
-void ArrayRoundTrip(Data& d, void* h, u64 (*write)(void* const, T* const, const u64, const u64, u64),
+void ArrayRoundTrip(Data& d, u64 (*write)(void* const, T* const, const u64, const u64, u64),
                     u64 (*read)(void* const, std::remove_const_t<T>*, const u64, const u64, u64)) {
     typedef std::remove_const_t<T> E;
-    E values[3];
-    std::memset(values, 0, sizeof(values));
+    E values[3], back[3];
+    std::memset(values, 0, sizeof(E));
     std::memset(&values[1], 0x11, sizeof(E));
     std::memset(&values[2], 0x01, sizeof(E));
-    TOVARIN_FN(FileClear)(h);
-    EXPECT_EQ(write(h, values, 3, 1, TOVARIN_TO_END), 2u);
-    const std::string bytes = d.Bytes();
-    EXPECT_EQ(bytes, std::string(reinterpret_cast<const char*>(&values[1]), 2 * sizeof(E)));
-    E back[3];
     std::memset(back, 0x7F, sizeof(back));
-    TOVARIN_FN(FileSetPointerBegin)(h, 0);
-    EXPECT_EQ(read(h, back, 3, 1, 5), 2u); // a count past the end is clipped
+    d.Reset();
+    EXPECT_EQ(write(d.h, values, 3, 1, TOVARIN_TO_END), 2u);
+    EXPECT_EQ(d.Bytes(), std::string(reinterpret_cast<const char*>(&values[1]), 2 * sizeof(E)));
+    d.Rewind();
+    EXPECT_EQ(read(d.h, back, 3, 1, 5), 2u); // a count past the end is clipped
     EXPECT_EQ(std::memcmp(&back[1], &values[1], 2 * sizeof(E)), 0);
-    E untouched;
-    std::memset(&untouched, 0x7F, sizeof(E));
-    EXPECT_EQ(std::memcmp(&back[0], &untouched, sizeof(E)), 0);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(back), sizeof(E)), std::string(sizeof(E), '\x7F'));
 }
 
 TEST_F(Data, EveryTypedArrayMovesItsSliceElementByElement) {
 #define TOVARIN_ARRAYS(Name)                                                                                 \
-    ArrayRoundTrip(*this, h, TOVARIN_FN(FileWrite##Name##Array), TOVARIN_FN(FileRead##Name##Array))
+    ArrayRoundTrip(*this, TOVARIN_FN(FileWrite##Name##Array), TOVARIN_FN(FileRead##Name##Array))
     TOVARIN_ARRAYS(Bool);
     TOVARIN_ARRAYS(Char);
-    TOVARIN_ARRAYS(UChar);
-    TOVARIN_ARRAYS(Short);
     TOVARIN_ARRAYS(UShort);
     TOVARIN_ARRAYS(Int);
-    TOVARIN_ARRAYS(UInt);
-    TOVARIN_ARRAYS(Long);
     TOVARIN_ARRAYS(ULong);
     TOVARIN_ARRAYS(Float);
     TOVARIN_ARRAYS(Double);
@@ -181,9 +162,7 @@ TEST_F(Data, TextsAreRawAndReadsTrimTheEnd) {
     EXPECT_EQ(TOVARIN_FN(FileWriteStringW)(h, L"ab"), 4);
     EXPECT_EQ(TOVARIN_FN(FileWriteStringW)(h, L"  \n\0"), 6);
     EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, "x\ty \t\r"), 6);
-    EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, ""), 0);
     EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, nullptr), 0); // a null text to write is empty
-    EXPECT_EQ(TOVARIN_FN(FileWriteStringW)(h, nullptr), 0);
     EXPECT_EQ(Bytes(), std::string("a\0b\0 \0 \0\n\0x\ty \t\r", 16));
     Rewind();
     wchar_t* first = TOVARIN_FN(FileReadStringW)(h, 5);
@@ -211,36 +190,24 @@ TEST_F(Data, StringArraysInAllFourForms) {
     EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayMW)(h, recordsW, 2, 0, 2), 2u);
     EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayMA)(h, recordsA, 1, 0, 1), 1u);
     EXPECT_EQ(Bytes(), std::string("\r\0\n\0b\0c\0\r\0\n\0x\r\np\0q\0\r\0\n\0\r\0\n\0r\r\n", 30));
-    // Readers: the pointer form needs zero-filled buffers; records are cut and terminated.
+    // Records are cut to their size and terminated; the rest of the file is consumed.
     Reset();
-    const wchar_t* lines[] = {L"one", L"two", L"three"};
-    TOVARIN_FN(FileWriteStrArrayW)(h, lines, 3, 0, 3);
-    Rewind();
-    wchar_t buffers[2][8] = {};
-    wchar_t* targets[2] = {buffers[0], buffers[1]};
-    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayW)(h, targets, 2, 8, 0, 2), 2u);
-    EXPECT_STREQ(buffers[0], L"one");
-    EXPECT_STREQ(buffers[1], L"two");
-    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 34); // the rest of the file is consumed
-    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayW)(h, targets, 2, 8, 0, 2), 0u);
-    Rewind();
-    wchar_t small[3] = {L'?', L'?', L'?'};
-    TovarinMqlStrW into[2] = {{3, small}, {3, small}};
-    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMW)(h, into, 2, 1, 1), 1u);
-    EXPECT_STREQ(small, L"on");
-    Reset();
-    const char* eight[] = {"ab", "cdef"};
-    TOVARIN_FN(FileWriteStrArrayA)(h, eight, 2, 0, 2);
-    Rewind();
-    char a[2][8] = {};
-    char* aTargets[2] = {a[0], a[1]};
-    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayA)(h, aTargets, 2, 8, 0, 2), 2u);
-    EXPECT_STREQ(a[1], "cdef");
+    const char* lines[] = {"one", "two"};
+    TOVARIN_FN(FileWriteStrArrayA)(h, lines, 2, 0, 2);
     Rewind();
     char cut[3] = {'?', '?', '?'};
     TovarinMqlStrA intoA[1] = {{3, cut}};
     EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMA)(h, intoA, 1, 0, 1), 1u);
-    EXPECT_STREQ(cut, "ab");
+    EXPECT_STREQ(cut, "on");
+    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 10);
+    Reset();
+    const wchar_t* wideLines[] = {L"three"};
+    TOVARIN_FN(FileWriteStrArrayW)(h, wideLines, 1, 0, 1);
+    Rewind();
+    wchar_t small[3] = {L'?', L'?', L'?'};
+    TovarinMqlStrW into[2] = {{3, small}, {3, small}};
+    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMW)(h, into, 2, 1, 1), 1u);
+    EXPECT_STREQ(small, L"th");
     ExpectNoBox(boxes);
 }
 
@@ -267,9 +234,6 @@ TEST_F(Data, EightBitArgumentsUseTheSystemCodePage) {
     EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(file, narrow.c_str()), static_cast<int>(narrow.size()));
     TOVARIN_FN(FileCloseHandle)(file);
     EXPECT_EQ(ReadFileBytes(dir / name), narrow);
-    EXPECT_EQ(TOVARIN_FN(FileCheckA)((folder + "\\" + narrow).c_str()), 1);
-    EXPECT_EQ(TOVARIN_FN(FileCopyA)((folder + "\\" + narrow).c_str(), (folder + "\\c" + narrow).c_str()), 1);
-    EXPECT_EQ(ReadFileBytes(dir / (L"c" + name)), narrow);
     ExpectNoBox(boxes);
 }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <map>
+#include <process.h>
 #include <random>
 #include <thread>
 
@@ -58,7 +59,7 @@ std::string IntBytes(const std::vector<int>& values) {
     return std::string(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(int));
 }
 
-// Each thread appends to, reads, cuts and reopens a private file, checked against a model, and
+// Each thread appends to, cuts and reopens a private file, checked against a model, and
 // appends tagged 16-int blocks to one shared handle: no block may be torn, lost or doubled.
 void StressRound(const TempDir& dir, int steps, const std::wstring& round) {
     const int kThreads = 8, kBlock = 16;
@@ -74,7 +75,7 @@ void StressRound(const TempDir& dir, int steps, const std::wstring& round) {
         void* h = TOVARIN_FN(FileCreateAlwaysW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
         for (int step = 0; step < steps; ++step) {
             const size_t n = 1 + random() % 16;
-            switch (random() % 5) {
+            switch (random() % 4) {
             case 0: {
                 std::vector<int> values(n, (t << 24) | step);
                 TOVARIN_FN(FileSetPointerEnd)(h, 0);
@@ -82,17 +83,8 @@ void StressRound(const TempDir& dir, int steps, const std::wstring& round) {
                 model.insert(model.end(), values.begin(), values.end());
                 break;
             }
-            case 1: {
-                const size_t start = model.empty() ? 0 : random() % model.size(),
-                             m = std::min(n, model.size() - start);
-                std::vector<int> back(m + 1, -1);
-                TOVARIN_FN(FileSetPointerBegin)(h, static_cast<int>(start * 4));
-                errors[t] += m != 0 && (TOVARIN_FN(FileReadIntArray)(h, back.data(), m, 0, m) != m ||
-                                        !std::equal(back.begin(), back.begin() + m, model.begin() + start));
-                break;
-            }
+            case 1:
             case 2:
-            case 3:
                 model.resize(model.empty() ? 0 : random() % (model.size() + 1));
                 TOVARIN_FN(FileResize)(h, model.size() * 4);
                 TOVARIN_FN(FileCloseHandle)(h);
@@ -231,51 +223,34 @@ TEST(Reliability, TwoProcessesShareOneFile) {
     TOVARIN_FN(FileFlushApply)(h);
     wchar_t self[MAX_PATH] = {};
     ::GetModuleFileNameW(nullptr, self, MAX_PATH);
-    std::wstring command =
-        L"\"" + std::wstring(self) + L"\" --gtest_also_run_disabled_tests --gtest_filter=ReliabilityChild.*";
     ::SetEnvironmentVariableW(kChild, path.c_str());
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION child = {};
-    ASSERT_TRUE(::CreateProcessW(nullptr, &command[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                                 &child));
+    EXPECT_EQ(_wspawnl(_P_WAIT, self, (L"\"" + std::wstring(self) + L"\"").c_str(),
+                       L"--gtest_also_run_disabled_tests", L"--gtest_filter=ReliabilityChild.*", nullptr),
+              0);
     ::SetEnvironmentVariableW(kChild, nullptr);
-    EXPECT_EQ(::WaitForSingleObject(child.hProcess, 60000), WAIT_OBJECT_0);
-    DWORD exitCode = 1;
-    ::GetExitCodeProcess(child.hProcess, &exitCode);
-    ::CloseHandle(child.hThread);
-    ::CloseHandle(child.hProcess);
-    EXPECT_EQ(exitCode, 0u);
     EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 16u);
     TOVARIN_FN(FileCloseHandle)(h);
     EXPECT_EQ(ReadFileBytes(path), IntBytes({6, 7, 8, 9}));
     ExpectNoBox(boxes);
 }
 
-// A copy of the DLL loaded, left with a file open that nobody shares, unloaded, and loaded again:
-// the unload closes the file.
+// A copy of the DLL loaded, left with a file open that nobody shares, and unloaded: the unload
+// closes the file.
 TEST(Reliability, UnloadClosesTheFilesLeftOpen) {
     TempDir dir;
-    const std::wstring copy = dir / L"TovarinCopy.dll";
+    const std::wstring copy = dir / L"TovarinCopy.dll", path = dir / L"unload.bin";
     ASSERT_TRUE(::CopyFileW((ExecutableFolder() + L"Tovarin.dll").c_str(), copy.c_str(), FALSE));
-    for (int round = 0; round < 2; ++round) {
-        SCOPED_TRACE(round);
-        HMODULE module = ::LoadLibraryW(copy.c_str());
-        ASSERT_NE(module, nullptr);
-        const auto create = reinterpret_cast<decltype(&::FileCreateAlwaysW)>(
-            reinterpret_cast<void*>(::GetProcAddress(module, "FileCreateAlwaysW")));
-        const auto write = reinterpret_cast<decltype(&::FileWriteInt)>(
-            reinterpret_cast<void*>(::GetProcAddress(module, "FileWriteInt")));
-        const std::wstring path = dir / (L"unload" + std::to_wstring(round) + L".bin");
-        void* h = create(path.c_str(), TOVARIN_GENERIC_READ | TOVARIN_GENERIC_WRITE, 0);
-        EXPECT_EQ(write(h, 1234 + round), 4);
-        EXPECT_TRUE(::FreeLibrary(module));
-        HANDLE again =
-            ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-        EXPECT_NE(again, INVALID_HANDLE_VALUE);
-        ::CloseHandle(again);
-        EXPECT_EQ(ReadFileBytes(path), IntBytes({1234 + round}));
-    }
+    HMODULE module = ::LoadLibraryW(copy.c_str());
+    ASSERT_NE(module, nullptr);
+    void* h = FromModule<decltype(&::FileCreateAlwaysW)>(module, "FileCreateAlwaysW")(
+        path.c_str(), TOVARIN_GENERIC_READ | TOVARIN_GENERIC_WRITE, 0);
+    EXPECT_EQ(FromModule<decltype(&::FileWriteInt)>(module, "FileWriteInt")(h, 1234), 4);
+    EXPECT_TRUE(::FreeLibrary(module));
+    HANDLE again =
+        ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_NE(again, INVALID_HANDLE_VALUE);
+    ::CloseHandle(again);
+    EXPECT_EQ(ReadFileBytes(path), IntBytes({1234}));
 }
 
 } // namespace

@@ -18,18 +18,6 @@ std::wstring TextOf(HWND window) {
     return text;
 }
 
-// The box's icon is a shared system icon, so its handle tells which one it is.
-BoxIcon IconOf(HWND box) {
-    HICON icon = reinterpret_cast<HICON>(::SendDlgItemMessageW(box, 0x0440, STM_GETICON, 0, 0));
-    if (icon == nullptr)
-        icon = reinterpret_cast<HICON>(::SendDlgItemMessageW(box, 0x0014, STM_GETICON, 0, 0));
-    if (icon == nullptr)
-        return BoxIcon::None;
-    if (icon == ::LoadIconW(nullptr, MAKEINTRESOURCEW(32513)))
-        return BoxIcon::Error;
-    return icon == ::LoadIconW(nullptr, MAKEINTRESOURCEW(32516)) ? BoxIcon::Information : BoxIcon::Other;
-}
-
 } // namespace
 
 BoxRecorder::BoxRecorder(bool refuse)
@@ -48,8 +36,7 @@ LRESULT CALLBACK BoxRecorder::Shown(int code, WPARAM wParam, LPARAM lParam) {
     const CWPRETSTRUCT* message = reinterpret_cast<const CWPRETSTRUCT*>(lParam);
     if (code == HC_ACTION && message->message == WM_INITDIALOG && t_recorder != nullptr &&
         IsDialog(message->hwnd)) {
-        t_recorder->boxes_.push_back(
-            Box{TextOf(message->hwnd), TextOf(::GetDlgItem(message->hwnd, 0xFFFF)), IconOf(message->hwnd)});
+        t_recorder->boxes_.push_back(Box{TextOf(message->hwnd), TextOf(::GetDlgItem(message->hwnd, 0xFFFF))});
         ::PostMessageW(message->hwnd, WM_COMMAND, IDOK, 0);
     }
     return ::CallNextHookEx(nullptr, code, wParam, lParam);

@@ -7,24 +7,18 @@
 
 namespace TestSupport {
 
-enum class BoxIcon { None, Error, Information, Other };
-
 struct Box {
-    std::wstring caption;
-    std::wstring text;
-    BoxIcon icon = BoxIcon::None;
+    std::wstring caption, text;
 };
 
-// Hooks the calling thread's window messages: when a dialog window has taken its text, the box is
-// recorded and OK is posted to it, so the box closes at once. With `refuse`, boxes are not made at
-// all and only counted (for loops of many failing calls).
+// Hooks the calling thread's window messages: a dialog that has taken its text is recorded and
+// closed at once. With `refuse`, boxes are not made at all, only counted (for loops of many failures).
 class BoxRecorder {
 public:
     explicit BoxRecorder(bool refuse = false);
     ~BoxRecorder();
     BoxRecorder(const BoxRecorder&) = delete;
     BoxRecorder& operator=(const BoxRecorder&) = delete;
-
     const std::vector<Box>& Boxes() const { return boxes_; }
     size_t Refused() const { return refused_; }
     void Clear() { boxes_.clear(); }

@@ -3,17 +3,40 @@
 // argument from one set of values by its type; expectations on the boxes the exports show.
 #include "BoxRecorder.h"
 #include "TempDir.h"
-#include "TovarinDll.h"
 #include "include/Tovarin.h"
+
+#include <gtest/gtest.h>
 
 #include <cstring>
 #include <initializer_list>
+#include <stdexcept>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace TestSupport {
+
+// The folder of the running executable, with a trailing backslash.
+inline std::wstring ExecutableFolder() {
+    wchar_t self[MAX_PATH] = {};
+    const std::wstring path(self, ::GetModuleFileNameW(nullptr, self, MAX_PATH));
+    return path.substr(0, path.find_last_of(L'\\') + 1);
+}
+
+// The export `name` of a loaded module as a function of type F.
+template <class F> F FromModule(HMODULE module, const char* name) {
+    FARPROC proc = ::GetProcAddress(module, name);
+    if (proc == nullptr)
+        throw std::runtime_error(std::string("no export ") + name);
+    return reinterpret_cast<F>(reinterpret_cast<void*>(proc));
+}
+
+// The built Tovarin.dll, loaded once the way the terminal loads it.
+inline HMODULE TovarinModule() {
+    static HMODULE module = ::LoadLibraryW((ExecutableFolder() + L"Tovarin.dll").c_str());
+    return module;
+}
 
 typedef unsigned __int64 u64;
 
@@ -83,7 +106,7 @@ struct ExportRow {
     u64 (*run)(FARPROC, const CallArgs&);
     bool byHandle; // the first argument is a handle
     int texts;     // text arguments
-    u64 Call(const CallArgs& args) const { return run(TovarinDll::Get<FARPROC>(name), args); }
+    u64 Call(const CallArgs& args) const { return run(FromModule<FARPROC>(TovarinModule(), name), args); }
 };
 
 const std::vector<ExportRow>& Exports();
@@ -110,3 +133,6 @@ private:
 };
 
 } // namespace TestSupport
+
+// The export `name`, typed by its declaration in include/Tovarin.h.
+#define TOVARIN_FN(name) ::TestSupport::FromModule<decltype(&::name)>(::TestSupport::TovarinModule(), #name)

@@ -27,14 +27,6 @@ TempDir::~TempDir() {
     ::SHFileOperationW(&operation);
 }
 
-std::wstring SecondDriveRoot() {
-    HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
-    if (ntdll == nullptr || ::GetProcAddress(ntdll, "wine_get_version") == nullptr)
-        return std::wstring();
-    ::CreateDirectoryW(L"Z:\\tmp", nullptr);
-    return L"Z:\\tmp";
-}
-
 std::string ReadFileBytes(const std::wstring& path) {
     HANDLE file =
         ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,

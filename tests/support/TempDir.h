@@ -1,5 +1,6 @@
 #pragma once
 // Temporary folders for tests, as Windows paths, removed with everything in them; whole-file helpers.
+#include <functional>
 #include <string>
 
 namespace TestSupport {
@@ -19,12 +20,23 @@ private:
     std::wstring path_;
 };
 
-// A folder on another drive than the temporary folder (Z: under Wine), or empty when there is none.
-std::wstring SecondDriveRoot();
-
 std::string ReadFileBytes(const std::wstring& path);
 bool WriteFileBytes(const std::wstring& path, const std::string& bytes);
 bool FileExists(const std::wstring& path);
 std::string Narrow(const std::wstring& text); // UTF-8, for test messages
 
+// The failure text that a call throws, or "(nothing thrown)".
+inline std::wstring Thrown(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const std::wstring& text) {
+        return text;
+    }
+    return L"(nothing thrown)";
+}
+
 } // namespace TestSupport
+
+// The text holds the piece; the text is shown when it does not.
+#define EXPECT_HAS(text, piece)                                                                              \
+    EXPECT_NE((text).find(piece), std::wstring::npos) << ::TestSupport::Narrow(text)

@@ -8,22 +8,12 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <tuple>
 #include <vector>
 
-using TestSupport::TempDir;
+using namespace TestSupport;
 
 namespace {
-
-std::wstring Thrown(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const std::wstring& text) {
-        return text;
-    }
-    return L"(nothing thrown)";
-}
 
 // What the fake calls return, and what they were given.
 struct Fake {
@@ -59,27 +49,28 @@ TEST_F(Seam, FailedAndShortTransfersThrowWithTheCountsAndKeepEarlierBytes) {
             g.result = c.first;
             g.done = c.second;
             const std::wstring text = Thrown([&] { file._Write(handle, "more", 4); });
-            EXPECT_NE(text.find(L"\nLast Error: 1.\n"), std::wstring::npos);
-            EXPECT_NE(text.find(L"На итерации 0 не записаны данные в файл:\n\"" + file.Path() +
-                                L"\"\nФайловый указатель: 4\nЗапрошено: 4\nЗаписано: " +
-                                std::to_wstring(g.done)),
-                      std::wstring::npos)
-                << TestSupport::Narrow(text);
+            EXPECT_HAS(text, L"\nLast Error: 1.\n");
+            EXPECT_HAS(text, L"На итерации 0 не записаны данные в файл:\n\"" + file.Path() +
+                                 L"\"\nФайловый указатель: 4\nЗапрошено: 4\nЗаписано: " +
+                                 std::to_wstring(g.done));
         }
         calls->readFile = [](HANDLE, LPVOID, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
             return *done = length - 1, TRUE;
         };
         char buffer[4];
-        EXPECT_NE(Thrown([&] { file._Read(handle, buffer, 4); }).find(L"Запрошено: 4\nПрочитано: 3\n"),
-                  std::wstring::npos);
+        EXPECT_HAS(Thrown([&] { file._Read(handle, buffer, 4); }), L"Запрошено: 4\nПрочитано: 3\n");
         calls->setEndOfFile = [](HANDLE) -> BOOL { return FALSE; };
-        EXPECT_NE(Thrown([&] {
-                      file.Resize<unsigned __int64>(1);
-                  }).find(L"Не зафиксирован физический размер файла:"),
-                  std::wstring::npos);
+        EXPECT_HAS(Thrown([&] { file.Resize<unsigned __int64>(1); }),
+                   L"Не зафиксирован физический размер файла:");
     }
     file.Close();
-    EXPECT_EQ(TestSupport::ReadFileBytes(dir / L"io.bin"), "keep");
+    EXPECT_EQ(ReadFileBytes(dir / L"io.bin"), "keep");
+}
+
+// A transfer's offset from g.base and its length, all of it done.
+template <class P> BOOL WINAPI Record(HANDLE, P at, DWORD length, LPDWORD done, LPOVERLAPPED) {
+    g.seen.push_back(std::to_wstring(static_cast<const char*>(at) - g.base) + L"+" + std::to_wstring(length));
+    return *done = length, TRUE;
 }
 
 // Above one call's reach a transfer goes out in chunks of 0xFFFFFFFF bytes from consecutive
@@ -90,16 +81,8 @@ TEST_F(Seam, TransfersAboveFourGigabytesGoOutInChunks) {
     ASSERT_NE(buffer, nullptr);
     g.base = buffer;
     Utils::ScopedSystemCalls calls;
-    calls->writeFile = [](HANDLE, LPCVOID from, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
-        g.seen.push_back(std::to_wstring(static_cast<const char*>(from) - g.base) + L"+" +
-                         std::to_wstring(length));
-        return *done = length, TRUE;
-    };
-    calls->readFile = [](HANDLE, LPVOID into, DWORD length, LPDWORD done, LPOVERLAPPED) -> BOOL {
-        g.seen.push_back(std::to_wstring(static_cast<const char*>(into) - g.base) + L"+" +
-                         std::to_wstring(length));
-        return *done = length, TRUE;
-    };
+    calls->writeFile = Record<LPCVOID>;
+    calls->readFile = Record<LPVOID>;
     EXPECT_EQ(file._Write(handle, buffer, 0x200000001ull), 0x200000001ull);
     EXPECT_EQ(file._Read(handle, buffer, 0x100000000ull), 0x100000000ull);
     const std::vector<std::wstring> expected = {L"0+4294967295", L"4294967295+4294967295", L"8589934590+3",
@@ -132,16 +115,14 @@ TEST_F(Seam, AFailedHardLinkThrowsWithOrWithoutTheLastError) {
     const std::wstring message = L"Не создана жёсткая ссылка на файл:\r\n\"" + file.Path() + L"\"";
     g.error = 5;
     const std::wstring withError = Thrown([&] { Utils::File::HardLink(file.Path(), dir / L"link.bin"); });
-    EXPECT_NE(withError.find(L"\nLast Error: 1.\n"), std::wstring::npos);
-    EXPECT_NE(withError.find(L"\n" + message + L"\n"), std::wstring::npos) << TestSupport::Narrow(withError);
+    EXPECT_HAS(withError, L"\nLast Error: 1.\n");
+    EXPECT_HAS(withError, L"\n" + message + L"\n");
     g.error = 0;
     const std::wstring without = Thrown([&] { Utils::File::HardLink(file.Path(), dir / L"link.bin"); });
     EXPECT_EQ(without.find(L"Last Error"), std::wstring::npos);
-    EXPECT_NE(without.find(message +
-                           L"\r\nВозможной причиной может быть попытка создания жёсткой ссылки на путь, "
-                           L"который уже является ссылкой с другого диска."),
-              std::wstring::npos)
-        << TestSupport::Narrow(without);
+    EXPECT_HAS(without, message +
+                            L"\r\nВозможной причиной может быть попытка создания жёсткой ссылки на путь, "
+                            L"который уже является ссылкой с другого диска.");
 }
 
 // The shell's result and its aborted flag both count; the operation is silent and confirms nothing.
@@ -173,10 +154,8 @@ TEST_F(Seam, AFailedCloseThrowsAndTheHandleIsGone) {
         Utils::ScopedSystemCalls calls;
         calls->closeHandle = [](HANDLE) -> BOOL { return ::SetLastError(ERROR_INVALID_HANDLE), FALSE; };
         const std::wstring text = Thrown([&] { Project::CloseByHandle(opened); });
-        EXPECT_NE(text.find(L"\nLast Error: 1.\n"), std::wstring::npos);
-        EXPECT_NE(text.find(L"Не закрыт файл:\n\"" + (dir / L"other.bin") + L"\"\nСистемный дескриптор: "),
-                  std::wstring::npos)
-            << TestSupport::Narrow(text);
+        EXPECT_HAS(text, L"\nLast Error: 1.\n");
+        EXPECT_HAS(text, L"Не закрыт файл:\n\"" + (dir / L"other.bin") + L"\"\nСистемный дескриптор: ");
     }
     EXPECT_NE(Thrown([&] { Project::PtrCFile(opened); }), L"(nothing thrown)");
     EXPECT_TRUE(::CloseHandle(opened));
