@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 using namespace TestSupport;
 
 namespace {
@@ -21,6 +23,31 @@ TEST(EveryExport, RefusesAllZeroArgumentsWithItsNeutralResultAndOneBox) {
         ExpectOneBox(boxes, row.name, {});
     }
     EXPECT_TRUE(current.Empty());
+}
+
+// The export table is the list, name for name; every imported DLL is one of the system's own (the C++
+// runtime is linked in).
+TEST(ModuleTables, ExportTableIsTheListAndImportsAreSystemDlls) {
+    const auto base = reinterpret_cast<const char*>(TovarinModule());
+    const auto* dirs = reinterpret_cast<const IMAGE_NT_HEADERS64*>(
+                           base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew)
+                           ->OptionalHeader.DataDirectory;
+    const auto* table = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(
+        base + dirs[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress);
+    std::set<std::string> exported, listed;
+    for (DWORD i = 0; i < table->NumberOfNames; ++i)
+        exported.insert(base + reinterpret_cast<const DWORD*>(base + table->AddressOfNames)[i]);
+    for (const ExportRow& row : Exports())
+        listed.insert(row.name);
+    EXPECT_EQ(exported, listed);
+    wchar_t system[MAX_PATH] = {};
+    const std::wstring folder(system, ::GetSystemDirectoryW(system, MAX_PATH));
+    for (auto* import = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(
+             base + dirs[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress);
+         import->Name != 0; ++import) {
+        const std::string name = base + import->Name;
+        EXPECT_TRUE(FileExists(folder + L"\\" + std::wstring(name.begin(), name.end()))) << name;
+    }
 }
 
 // A second copy of the DLL has a registry of its own, empty; its boxes carry its own full path.
