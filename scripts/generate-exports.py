@@ -500,7 +500,12 @@ def mql_imports(keep):
 def make_mqh():
     with open(os.path.join(ROOT, HELPERS), encoding="utf-8", newline="") as f:
         helpers = f.read().split("\n", 1)[1]  # without its first line, which says where it goes
-    return "".join([MQH_TOP % GENERATED] + mql_imports(lambda e: e.name not in RAW_MQL) + ["#import\n\n", helpers])
+    # Plain MQL5 passes no arrays of addresses, no records with an address and takes no address back.
+    for e in EXPORTS:
+        if e.name not in RAW_MQL:
+            assert e.result != "char *" and not any(t.endswith("**") or "_MQLSTR" in t for t, _ in e.params), e.name
+    imports = mql_imports(lambda e: e.name not in RAW_MQL)
+    return "".join([MQH_TOP % GENERATED] + imports + ["#import\n\n", helpers])
 
 
 def make_raw_mqh():
