@@ -140,21 +140,22 @@ TEST_F(Paths, RelativePathsAreRefused) {
     CurrentFolder current(cwd.Path());
     ASSERT_TRUE(WriteFileBytes(dir / L"up.bin", "up"));
     ASSERT_TRUE(::CreateDirectoryW(L"rel", nullptr)); // existing or not, a relative folder is refused
-    struct Case {
-        const wchar_t* path;
-        const wchar_t* folder;
-    };
-    for (const Case& c :
-         {Case{L"rel\\x.bin", L"rel"}, Case{L"..\\up.bin", L".."}, Case{L".\\here.bin", L"."}}) {
-        SCOPED_TRACE(Narrow(c.path));
-        EXPECT_EQ(TOVARIN_FN(FileCreateAlwaysW)(c.path, TOVARIN_DEFAULT, TOVARIN_DEFAULT), nullptr);
+    const std::pair<const wchar_t*, const wchar_t*> cases[] = {{L"rel\\x.bin", L"rel"},
+                                                               {L"relnew\\x.bin", L"relnew"},
+                                                               {L"..\\up.bin", L".."},
+                                                               {L".\\here.bin", L"."}};
+    for (const auto& [path, folder] : cases) {
+        SCOPED_TRACE(Narrow(path));
+        EXPECT_EQ(TOVARIN_FN(FileCreateAlwaysW)(path, TOVARIN_DEFAULT, TOVARIN_DEFAULT), nullptr);
         ExpectOneBox(boxes, "FileCreateAlwaysW",
-                     {std::wstring(L"Для файла не создан каталог:\r\n\"") + c.folder + L"\""});
+                     {std::wstring(L"Для файла не создан каталог:\r\n\"") + folder + L"\""});
     }
+    TOVARIN_FN(FileHardLinkW)(L"..\\up.bin", L"..\\up-link.bin");
+    ExpectOneBox(boxes, "FileHardLinkW", {L"Для жёсткой ссылки не создан каталог:\r\n\"..\""});
     EXPECT_EQ(TOVARIN_FN(FileSymbolicLinkW)(src.c_str(), L"rel\\link"), 0);
     ExpectOneBox(boxes, "FileSymbolicLinkW", {L"Не создан для символьной ссылки каталог:\n\"rel\""});
-    EXPECT_FALSE(FileExists(cwd / L"rel\\x.bin"));
-    EXPECT_FALSE(FileExists(cwd / L"here.bin"));
+    EXPECT_FALSE(FileExists(cwd / L"rel\\x.bin") || FileExists(cwd / L"here.bin") ||
+                 FileExists(dir / L"up-link.bin"));
     EXPECT_EQ(ReadFileBytes(dir / L"up.bin"), "up");
 }
 
