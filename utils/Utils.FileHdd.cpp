@@ -251,14 +251,7 @@ unsigned __int64 FileHdd::Transfer(bool write, void* const handle, void* buffer,
     unsigned char* position = static_cast<unsigned char*>(buffer);
     unsigned __int64 total = 0;
     for (unsigned __int64 i = 0; i < plan.count; ++i) {
-        const DWORD length = i + 1 == plan.count ? plan.last : kLargestCall;
-        DWORD done = 0;
-        const BOOL ok = write ? Sys().writeFile(handle, position, length, &done, nullptr)
-                              : Sys().readFile(handle, position, length, &done, nullptr);
-        // A short transfer is a failure too: everything asked for arrives, or this throws.
-        if (!ok || done != length)
-            TransferFailed(write, handle, i, length, done);
-        total += done;
+        total += TransferCall(write, handle, position, i + 1 == plan.count ? plan.last : kLargestCall, i);
         if (i + 1 < plan.count)
             position += kLargestCall;
     }

@@ -114,6 +114,10 @@ private:
     // ReadHeld and WriteHeld: one call inline, anything else through Transfer.
     unsigned __int64 TransferHeld(const bool write, void* const handle, void* buffer,
                                   const unsigned __int64 size);
+    // One system call of a transfer, `iteration` counted from 0. A short transfer is a failure too:
+    // everything asked for arrives, or this throws.
+    DWORD TransferCall(bool write, void* const handle, void* buffer, const DWORD length,
+                       const unsigned __int64 iteration);
     // The chunked transfer, with the lock held.
     unsigned __int64 Transfer(bool write, void* const handle, void* buffer, const unsigned __int64 size);
     // CheckHandle with the signature of _Write or _Read. The held transfers call it for a null
@@ -149,12 +153,16 @@ inline unsigned __int64 FileHdd::TransferHeld(const bool write, void* const hand
     if (handle == nullptr)
         CheckTransfer(write, handle);
     ::SetLastError(0);
-    const DWORD length = static_cast<DWORD>(size);
+    return TransferCall(write, handle, buffer, static_cast<DWORD>(size), 0);
+}
+
+inline DWORD FileHdd::TransferCall(bool write, void* const handle, void* buffer, const DWORD length,
+                                   const unsigned __int64 iteration) {
     DWORD done = 0;
     const BOOL ok = write ? Sys().writeFile(handle, buffer, length, &done, nullptr)
                           : Sys().readFile(handle, buffer, length, &done, nullptr);
     if (!ok || done != length)
-        TransferFailed(write, handle, 0, length, done);
+        TransferFailed(write, handle, iteration, length, done);
     return done;
 }
 
