@@ -1,5 +1,5 @@
 // Values through open files: scalars by type and bytes, array slices by type, texts and their
-// trims, string arrays and host records in all four forms, short reads, 8-bit arguments.
+// trims, string arrays and host records in all four forms, short reads.
 #include "support/Exports.h"
 
 #include <gtest/gtest.h>
@@ -46,6 +46,7 @@ void Scalar(Data& d, int (*write)(void* const, const T), T (*read)(void* const),
     d.Rewind();
     const T back = read(d.h);
     EXPECT_EQ(std::memcmp(&back, &value, sizeof(T)), 0);
+    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(d.h), static_cast<__int64>(sizeof(T)));
 }
 
 TEST_F(Data, ScalarsAreTheirLittleEndianBytes) {
@@ -158,23 +159,44 @@ TEST_F(Data, SlicesAreClippedOrRefusedBeforeAnyTransfer) {
     EXPECT_EQ(Bytes(), expected);
 }
 
+// Texts go out as their bare characters, 8-bit ones unconverted. A read of n characters drops the
+// trailing zeros, spaces, tabs, CR and LF; each width has one result buffer, which every read reuses.
 TEST_F(Data, TextsAreRawAndReadsTrimTheEnd) {
-    EXPECT_EQ(TOVARIN_FN(FileWriteStringW)(h, L"ab"), 4);
-    EXPECT_EQ(TOVARIN_FN(FileWriteStringW)(h, L"  \n\0"), 6);
-    EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, "x\ty \t\r"), 6);
+    EXPECT_EQ(TOVARIN_FN(FileWriteStringW)(h, L"a b"), 6);
+    EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, "\xE9\t"), 2);
     EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, nullptr), 0); // a null text to write is empty
-    EXPECT_EQ(Bytes(), std::string("a\0b\0 \0 \0\n\0x\ty \t\r", 16));
-    Rewind();
-    wchar_t* first = TOVARIN_FN(FileReadStringW)(h, 5);
-    ASSERT_NE(first, nullptr);
-    EXPECT_STREQ(first, L"ab");
-    EXPECT_STREQ(TOVARIN_FN(FileReadStringA)(h, 6), "x\ty");
-    Rewind();
-    EXPECT_STREQ(TOVARIN_FN(FileReadStringW)(h, 1), L"a");
-    EXPECT_STREQ(first, L"a"); // one buffer, the last text
-    EXPECT_STREQ(TOVARIN_FN(FileReadStringW)(h, 0), L"");
-    TOVARIN_FN(FileSetPointerBegin)(h, 4);
-    EXPECT_STREQ(TOVARIN_FN(FileReadStringW)(h, 3), L"");
+    EXPECT_EQ(Bytes(), std::string("a\0 \0b\0\xE9\t", 8));
+    const struct {
+        bool wide;
+        std::string bytes;
+        u64 size;
+        std::string text;
+    } cases[] = {
+        {true, std::string("a\0 \0b\0\t\0\r\0\n\0 \0\0\0", 16), 8, "a b"},
+        {true, std::string("\t\0\0\0 \0", 6), 3, ""},
+        {true, "xy", 0, ""},
+        {false, std::string("x\ty\n\r\t \0", 8), 8, "x\ty"},
+        {false, "\xE9 ", 2, "\xE9"},
+        {false, std::string("\0\r\n", 3), 3, ""},
+    };
+    u64 first[2] = {};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.bytes);
+        Reset();
+        TOVARIN_FN(FileWriteVoid)(h, c.bytes.data(), c.bytes.size());
+        Rewind();
+        const u64 text = ExportOf(c.wide ? "FileReadStringW" : "FileReadStringA")
+                             .Call({h, nullptr, {}, {}, {0, 0, 0, c.size}});
+        ASSERT_NE(text, 0u);
+        first[c.wide] = first[c.wide] == 0 ? text : first[c.wide];
+        const auto shown = [&](u64 at) {
+            return c.wide ? Narrow(reinterpret_cast<const wchar_t*>(at))
+                          : std::string(reinterpret_cast<const char*>(at));
+        };
+        EXPECT_EQ(shown(text), c.text);
+        EXPECT_EQ(shown(first[c.wide]), c.text);
+        EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), static_cast<__int64>(c.size * (c.wide ? 2 : 1)));
+    }
     ExpectNoBox(boxes);
 }
 
@@ -208,32 +230,6 @@ TEST_F(Data, StringArraysInAllFourForms) {
     TovarinMqlStrW into[2] = {{3, small}, {3, small}};
     EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMW)(h, into, 2, 1, 1), 1u);
     EXPECT_STREQ(small, L"th");
-    ExpectNoBox(boxes);
-}
-
-// 8-bit paths are read in the system code page; 8-bit texts go to the file unconverted.
-TEST_F(Data, EightBitArgumentsUseTheSystemCodePage) {
-    std::wstring name;
-    std::string narrow;
-    for (wchar_t c : {L'\u00E9', L'\u0416', L'\u00C4', L'\u0101'}) {
-        char byte[4] = {};
-        BOOL lossy = FALSE;
-        if (::WideCharToMultiByte(CP_ACP, 0, &c, 1, byte, 4, nullptr, &lossy) == 1 && !lossy &&
-            static_cast<unsigned char>(byte[0]) >= 0x80) {
-            name = std::wstring(L"k") + c + L".bin";
-            narrow = std::string("k") + byte[0] + ".bin";
-            break;
-        }
-    }
-    if (name.empty())
-        GTEST_SKIP() << "the system code page has no 8-bit letter to test with";
-    const std::string folder = Narrow(dir.Path()); // ASCII
-    void* file =
-        TOVARIN_FN(FileCreateAlwaysA)((folder + "\\" + narrow).c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(file, narrow.c_str()), static_cast<int>(narrow.size()));
-    TOVARIN_FN(FileCloseHandle)(file);
-    EXPECT_EQ(ReadFileBytes(dir / name), narrow);
     ExpectNoBox(boxes);
 }
 

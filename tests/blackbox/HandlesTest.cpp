@@ -12,10 +12,17 @@ const std::wstring kUnknown = L"Неверный системный дескри
 
 class Handles : public testing::Test {
 protected:
-    void* Create(const std::wstring& name, unsigned long share = TOVARIN_DEFAULT) {
-        void* handle = TOVARIN_FN(FileCreateAlwaysW)((dir / name).c_str(), TOVARIN_DEFAULT, share);
+    void* Create(const std::wstring& name) {
+        void* handle = TOVARIN_FN(FileCreateAlwaysW)((dir / name).c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
         EXPECT_NE(handle, nullptr);
         return handle;
+    }
+    // Whether a second open of the file, sharing read and write, gets `access`.
+    static bool Opens(const std::wstring& path, DWORD access) {
+        HANDLE other = ::CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                     OPEN_EXISTING, 0, nullptr);
+        ::CloseHandle(other);
+        return other != INVALID_HANDLE_VALUE;
     }
     TempDir dir;
     BoxRecorder boxes;
@@ -71,92 +78,161 @@ TEST_F(Handles, HostileArgumentsAreRefused) {
     const struct {
         const char* name;
         CallArgs args;
-        const wchar_t* piece;
+        std::vector<std::wstring> pieces;
+        UINT icon = MB_ICONERROR;
     } cases[] = {
         {"FileWriteIntArray",
          {h, nullptr, {}, {}, {0, 4, 0, 4}},
-         L"\nОтсутствует массив: указатель на массив равен нулю.\n"},
+         {L"\nОтсутствует массив: указатель на массив равен нулю.\n"}},
         {"FileReadLongArray",
          {h, buffer, {}, {}, {0, all, 0, all}},
-         L"\nРазмер передаваемых данных превышает адресное пространство.\n"},
+         {L"\nРазмер передаваемых данных превышает адресное пространство.\n"}},
         {"FileWriteStrArrayMW",
          {h, nullptr, {}, {}, {0, 2, 0, 2}},
-         L"\nОтсутствует массив строк: указатель на массив равен нулю.\n"},
+         {L"\nОтсутствует массив строк: указатель на массив равен нулю.\n"}},
         {"FileReadStrArrayA",
          {h, nullptr, {}, {}, {2, 8, 0, 2}},
-         L"\nОтсутствует массив строк: указатель на массив равен нулю.\n"},
-        {"FileWriteVoid", {h, nullptr, {}, {}, {0, 0, 0, 16}}, L"не записаны данные в файл:"},
-        {"FileSetPointerBegin", {h, nullptr, {}, {}, {0, 0, 0, 0x80000000}}, L"Не смещён файловый указатель"},
-        {"FileReadStringW", {h, nullptr, {}, {}, {0, 0, 0, 1ull << 62}}, L"Unknown exception!"},
+         {L"\nОтсутствует массив строк: указатель на массив равен нулю.\n"}},
+        {"FileWriteVoid", {h, nullptr, {}, {}, {0, 0, 0, 16}}, {L"не записаны данные в файл:"}},
+        {"FileSetPointerBegin",
+         {h, nullptr, {}, {}, {0, 0, 0, 0x80000000}},
+         {L"Не смещён файловый указатель"}},
+        {"FileReadStringW",
+         {h, nullptr, {}, {}, {0, 0, 0, 1ull << 62}}, // a notice, with the last error
+         {L"\r\n\nLast Error: ", L"Unknown exception!"},
+         MB_ICONINFORMATION},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(ExportOf(c.name).Call(c.args), ExportOf(c.name).neutral);
-        ExpectOneBox(boxes, c.name, {c.piece});
+        ExpectOneBox(boxes, c.name, c.pieces, c.icon);
     }
     EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 0u);
     close(h);
 }
 
-TEST_F(Handles, OpenAndCreateByDisposition) {
-    struct Case {
-        const char* name;
-        bool exists;
+// Both forms of every open and create, on a missing file, a file of 4 bytes and a folder: the file's
+// size and pointer, or the refusal naming the disposition. The explicit access (read and write) and
+// sharing (read) hold: the handle writes, a second reader gets in and a second writer does not.
+TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
+    enum { kMissing, kFile, kFolder };
+    const struct {
+        const char* stem;
+        int before;
         u64 size;
-        const wchar_t* disposition;
+        const wchar_t* refusal; // the disposition the refusal names; null: opened
+    } cases[] = {
+        {"FileCreateNew", kMissing, 0, nullptr},
+        {"FileCreateNew", kFile, 0, L"CREATE_NEW"},
+        {"FileCreateAlways", kMissing, 0, nullptr},
+        {"FileCreateAlways", kFile, 0, nullptr},
+        {"FileCreateAlways", kFolder, 0, L"CREATE_ALWAYS"},
+        {"FileOpenExisting", kMissing, 0, L"OPEN_EXISTING"},
+        {"FileOpenExisting", kFile, 4, nullptr},
+        {"FileOpenAlways", kMissing, 0, nullptr},
+        {"FileOpenAlways", kFile, 4, nullptr},
+        {"FileOpenAlways", kFolder, 0, L"OPEN_ALWAYS"},
+        {"FileOpenTruncate", kMissing, 0, L"TRUNCATE_EXISTING"},
+        {"FileOpenTruncate", kFile, 0, nullptr},
     };
-    const Case cases[] = {
-        {"FileCreateNewW", false, 0, nullptr},
-        {"FileCreateNewW", true, ~0ull, L"CREATE_NEW"},
-        {"FileCreateAlwaysW", false, 0, nullptr},
-        {"FileCreateAlwaysW", true, 0, nullptr},
-        {"FileOpenExistingW", false, ~0ull, L"OPEN_EXISTING"},
-        {"FileOpenExistingW", true, 4, nullptr},
-        {"FileOpenAlwaysW", false, 0, nullptr},
-        {"FileOpenAlwaysW", true, 4, nullptr},
-        {"FileOpenTruncateW", false, ~0ull, L"TRUNCATE_EXISTING"},
-        {"FileOpenTruncateW", true, 0, nullptr},
-    };
-    const std::wstring path = dir / L"sub\\d.bin";
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.name) + (c.exists ? " existing" : " missing"));
-        ::DeleteFileW(path.c_str());
-        ASSERT_TRUE(!c.exists || WriteFileBytes(path, "1234"));
-        const CallArgs args{nullptr, nullptr, {}, {path.c_str()}, {0, 0, TOVARIN_DEFAULT, TOVARIN_DEFAULT}};
-        void* handle = reinterpret_cast<void*>(ExportOf(c.name).Call(args));
-        if (c.disposition != nullptr) {
-            EXPECT_EQ(handle, nullptr);
-            ExpectOneBox(boxes, c.name, {std::wstring(L"Выполняемые действия с файлом: ") + c.disposition});
-        } else {
-            EXPECT_EQ(TOVARIN_FN(FileGetSize)(handle), c.size);
-            EXPECT_EQ(TOVARIN_FN(FileGetPointer)(handle), 0);
-            close(handle);
+    // 8-bit paths are read in the system code page: the name takes a letter of it beyond ASCII.
+    std::wstring name = L"d.bin";
+    std::string nameA = "d.bin";
+    for (wchar_t c : {L'\u00E9', L'\u0416', L'\u00C4', L'\u0101'}) {
+        char byte[4] = {};
+        BOOL lossy = FALSE;
+        if (::WideCharToMultiByte(CP_ACP, 0, &c, 1, byte, 4, nullptr, &lossy) == 1 && !lossy &&
+            static_cast<unsigned char>(byte[0]) >= 0x80) {
+            name.insert(0, 1, c);
+            nameA.insert(0, 1, byte[0]);
+            break;
+        }
+    }
+    const std::wstring path = dir / (L"sub\\" + name);
+    const std::string pathA = Narrow(dir.Path()) + "\\sub\\" + nameA; // the folder is ASCII
+    for (const char* form : {"W", "A"}) {
+        for (const auto& c : cases) {
+            const std::string export_ = c.stem + std::string(form);
+            SCOPED_TRACE(export_ + " " + std::to_string(c.before));
+            ::DeleteFileW(path.c_str());
+            ::RemoveDirectoryW(path.c_str());
+            ASSERT_TRUE(c.before != kFile || WriteFileBytes(path, "1234"));
+            ASSERT_TRUE(c.before != kFolder || ::CreateDirectoryW(path.c_str(), nullptr));
+            const CallArgs args{nullptr,
+                                nullptr,
+                                {pathA.c_str()},
+                                {path.c_str()},
+                                {0, 0, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ}};
+            void* h = reinterpret_cast<void*>(ExportOf(export_).Call(args));
+            if (c.refusal != nullptr) {
+                EXPECT_EQ(h, nullptr);
+                ExpectOneBox(boxes, export_, {std::wstring(L"Выполняемые действия с файлом: ") + c.refusal});
+                continue;
+            }
+            EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), c.size);
+            EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 0);
+            EXPECT_EQ(TOVARIN_FN(FileWriteInt)(h, 1), 4);
+            EXPECT_TRUE(Opens(path, GENERIC_READ));
+            EXPECT_FALSE(Opens(path, GENERIC_WRITE));
+            close(h);
             ExpectNoBox(boxes);
         }
     }
 }
 
-TEST_F(Handles, PositionSizeClearAndResize) {
-    void* h = Create(L"pos.bin");
-    EXPECT_EQ(TOVARIN_FN(FileWriteVoid)(h, "0123456789", 10), 10u);
-    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 10u);
-    EXPECT_EQ(TOVARIN_FN(FileSetPointerEnd)(h, 0), 10);
-    EXPECT_EQ(TOVARIN_FN(FileSetPointerCurrent)(h, -3), 7);
-    EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(h, 2), 2);
-    char three[3] = {};
-    EXPECT_EQ(TOVARIN_FN(FileReadVoid)(h, three, 3), 3u);
-    EXPECT_EQ(std::string(three, 3), "234");
-    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 5);
-    TOVARIN_FN(FileResize)(h, 4);
-    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 4u);
-    TOVARIN_FN(FileSetPointerBegin)(h, 1);
-    TOVARIN_FN(FileClear)(h);
-    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 0u);
-    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 0);
-    ExpectNoBox(boxes);
-    EXPECT_EQ(TOVARIN_FN(FileSetPointerCurrent)(h, -1), -1); // before the start
-    ExpectOneBox(boxes, "FileSetPointerCurrent", {L"Не смещён файловый указатель в файле:"});
-    close(h);
+// Each whole-file operation on a file of `before` bytes with the pointer at `at`: its result, and
+// the size and pointer that the system reports afterwards. Close and delete forget the handle.
+TEST_F(Handles, WholeFileOperationsBySizeAndPointer) {
+    const u64 big = 3000000000ull, kClosed = ~0ull, kDeleted = ~1ull;
+    const struct {
+        const char* name;
+        u64 before;
+        __int64 at, argument;
+        u64 result, size;
+        __int64 pointer;
+    } cases[] = {
+        {"FileGetSize", 10, 3, 0, 10, 10, 3},
+        {"FileGetSize", big, 3, 0, 18446744072414584320ull, big, 3}, // the low 32 bits, sign-extended
+        {"FileGetPointer", 10, 3, 0, 3, 10, 3},
+        {"FileSetPointerBegin", 10, 3, 2, 2, 10, 2},
+        {"FileSetPointerCurrent", 10, 3, -2, 1, 10, 1},
+        {"FileSetPointerEnd", 10, 3, -2, 8, 10, 8},
+        {"FileSetPointerEnd", big, 3, 0, big, big, big},
+        {"FileResize", 10, 3, 20, 0, 20, 3}, // the pointer stays
+        {"FileResize", 10, 3, 4, 0, 4, 3},
+        {"FileResize", 10, 8, 4, 0, 4, 4}, // unless it would lie past the new end
+        {"FileResize", 10, 3, 5000000000, 0, 5000000000, 3},
+        {"FileClear", 10, 5, 0, 0, 0, 0},
+        {"FileClear", 0, 5, 0, 0, 0, 5}, // an empty file is left as it is, its pointer too
+        {"FileFlushApply", 10, 3, 0, 0, 10, 3},
+        {"FileCloseHandle", 10, 3, 0, 0, kClosed, 0},
+        {"FileDeleteByHandle", 10, 3, 0, 0, kDeleted, 0},
+    };
+    const std::wstring path = dir / L"ops.bin";
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.name) + " " + std::to_string(c.before) + " " + std::to_string(c.argument));
+        void* h = Create(L"ops.bin");
+        LARGE_INTEGER size = {}, pointer = {};
+        size.QuadPart = static_cast<__int64>(c.before);
+        pointer.QuadPart = c.at;
+        ASSERT_TRUE(::SetFilePointerEx(h, size, nullptr, FILE_BEGIN) && ::SetEndOfFile(h) &&
+                    ::SetFilePointerEx(h, pointer, nullptr, FILE_BEGIN));
+        EXPECT_EQ(ExportOf(c.name).Call({h, nullptr, {}, {}, {0, 0, 0, static_cast<u64>(c.argument)}}),
+                  c.result);
+        ExpectNoBox(boxes);
+        if (c.size == kClosed || c.size == kDeleted) {
+            EXPECT_EQ(TOVARIN_FN(FileWriteInt)(h, 1), -1);
+            ExpectOneBox(boxes, "FileWriteInt", {L"Project::PtrCFile"}); // the registry no longer knows it
+            EXPECT_EQ(FileExists(path), c.size == kClosed);
+            EXPECT_TRUE(c.size == kDeleted || Opens(path, DELETE)); // nobody holds the file
+            continue;
+        }
+        pointer.QuadPart = 0;
+        EXPECT_TRUE(::GetFileSizeEx(h, &size) && ::SetFilePointerEx(h, pointer, &pointer, FILE_CURRENT));
+        EXPECT_EQ(static_cast<u64>(size.QuadPart), c.size);
+        EXPECT_EQ(pointer.QuadPart, c.pointer);
+        close(h);
+    }
 }
 
 } // namespace

@@ -18,6 +18,21 @@ std::wstring TextOf(HWND window) {
     return text;
 }
 
+// The system icon that a box's icon control shows: error and notice boxes differ by it.
+UINT IconOf(HWND box) {
+    UINT icon = 0;
+    for (HWND child = ::GetWindow(box, GW_CHILD); child != nullptr; child = ::GetWindow(child, GW_HWNDNEXT)) {
+        const LRESULT shown = (::GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) == SS_ICON
+                                  ? ::SendMessageW(child, STM_GETICON, 0, 0)
+                                  : 0;
+        for (const auto& [name, flag] :
+             {std::make_pair(IDI_ERROR, MB_ICONERROR), std::make_pair(IDI_INFORMATION, MB_ICONINFORMATION)})
+            if (shown != 0 && shown == reinterpret_cast<LRESULT>(::LoadIcon(nullptr, name)))
+                icon = flag;
+    }
+    return icon;
+}
+
 } // namespace
 
 BoxRecorder::BoxRecorder(bool refuse)
@@ -36,7 +51,8 @@ LRESULT CALLBACK BoxRecorder::Shown(int code, WPARAM wParam, LPARAM lParam) {
     const CWPRETSTRUCT* message = reinterpret_cast<const CWPRETSTRUCT*>(lParam);
     if (code == HC_ACTION && message->message == WM_INITDIALOG && t_recorder != nullptr &&
         IsDialog(message->hwnd)) {
-        t_recorder->boxes_.push_back(Box{TextOf(message->hwnd), TextOf(::GetDlgItem(message->hwnd, 0xFFFF))});
+        t_recorder->boxes_.push_back(
+            Box{TextOf(message->hwnd), TextOf(::GetDlgItem(message->hwnd, 0xFFFF)), IconOf(message->hwnd)});
         ::PostMessageW(message->hwnd, WM_COMMAND, IDOK, 0);
     }
     return ::CallNextHookEx(nullptr, code, wParam, lParam);

@@ -40,10 +40,12 @@ std::wstring Heading(const std::string& name) {
            L"\"!\r\nFile: \"Tovarin.cpp\"\r\nLine: ";
 }
 
-void ExpectOneBox(BoxRecorder& boxes, const std::string& name, std::initializer_list<std::wstring> pieces) {
+void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector<std::wstring>& pieces,
+                  UINT icon) {
     const std::vector<Box> shown = boxes.Boxes();
     boxes.Clear();
     ASSERT_EQ(shown.size(), 1u) << name << (shown.empty() ? "" : "\n" + Narrow(shown[0].text));
+    EXPECT_EQ(shown[0].icon, icon);
     EXPECT_EQ(shown[0].text.find(Heading(name)), 0u) << Narrow(shown[0].text);
     for (const std::wstring& piece : pieces)
         EXPECT_NE(shown[0].text.find(piece), std::wstring::npos) << Narrow(piece) << "\nnot in\n"

@@ -78,6 +78,7 @@ TEST(PinnedSites, DescriberNoticeShowsItsFileAndLine) {
     const std::vector<Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 1u);
     EXPECT_NE(shown[0].text.find(L"File: \"Utils.Error.cpp\"\r\nLine: 522\r\n"), std::wstring::npos);
+    EXPECT_EQ(shown[0].icon, MB_ICONINFORMATION);
 }
 
 } // namespace
