@@ -75,33 +75,24 @@ TEST_F(Handles, HostileArgumentsAreRefused) {
     void* h = Create(L"hostile.bin");
     alignas(8) char buffer[64] = {};
     const u64 all = ~0ull;
+    const std::wstring noArray = L"\nОтсутствует массив: указатель на массив равен нулю.\n",
+                       noStrings = L"\nОтсутствует массив строк: указатель на массив равен нулю.\n";
+    // clang-format off
     const struct {
         const char* name;
         CallArgs args;
         std::vector<std::wstring> pieces;
         UINT icon = MB_ICONERROR;
     } cases[] = {
-        {"FileWriteIntArray",
-         {h, nullptr, {}, {}, {0, 4, 0, 4}},
-         {L"\nОтсутствует массив: указатель на массив равен нулю.\n"}},
-        {"FileReadLongArray",
-         {h, buffer, {}, {}, {0, all, 0, all}},
-         {L"\nРазмер передаваемых данных превышает адресное пространство.\n"}},
-        {"FileWriteStrArrayMW",
-         {h, nullptr, {}, {}, {0, 2, 0, 2}},
-         {L"\nОтсутствует массив строк: указатель на массив равен нулю.\n"}},
-        {"FileReadStrArrayA",
-         {h, nullptr, {}, {}, {2, 8, 0, 2}},
-         {L"\nОтсутствует массив строк: указатель на массив равен нулю.\n"}},
+        {"FileWriteIntArray", {h, nullptr, {}, {}, {0, 4, 0, 4}}, {noArray}},
+        {"FileReadLongArray", {h, buffer, {}, {}, {0, all, 0, all}}, {L"\nРазмер передаваемых данных превышает адресное пространство.\n"}},
+        {"FileWriteStrArrayMW", {h, nullptr, {}, {}, {0, 2, 0, 2}}, {noStrings}},
+        {"FileReadStrArrayA", {h, nullptr, {}, {}, {2, 8, 0, 2}}, {noStrings}},
         {"FileWriteVoid", {h, nullptr, {}, {}, {0, 0, 0, 16}}, {L"не записаны данные в файл:"}},
-        {"FileSetPointerBegin",
-         {h, nullptr, {}, {}, {0, 0, 0, 0x80000000}},
-         {L"Не смещён файловый указатель"}},
-        {"FileReadStringW",
-         {h, nullptr, {}, {}, {0, 0, 0, 1ull << 62}}, // a notice, with the last error
-         {L"\r\n\nLast Error: ", L"Unknown exception!"},
-         MB_ICONINFORMATION},
-    };
+        {"FileSetPointerBegin", {h, nullptr, {}, {}, {0, 0, 0, 0x80000000}}, {L"Не смещён файловый указатель"}},
+        {"FileReadStringW", {h, nullptr, {}, {}, {0, 0, 0, 1ull << 62}}, // a notice, with the last error
+         {L"\r\n\nLast Error: ", L"Unknown exception!"}, MB_ICONINFORMATION}};
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(ExportOf(c.name).Call(c.args), ExportOf(c.name).neutral);
@@ -116,40 +107,35 @@ TEST_F(Handles, HostileArgumentsAreRefused) {
 // sharing (read) hold: the handle writes, a second reader gets in and a second writer does not.
 TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
     enum { kMissing, kFile, kFolder };
+    // clang-format off
     const struct {
         const char* stem;
         int before;
         u64 size;
         const wchar_t* refusal; // the disposition the refusal names; null: opened
     } cases[] = {
-        {"FileCreateNew", kMissing, 0, nullptr},
-        {"FileCreateNew", kFile, 0, L"CREATE_NEW"},
-        {"FileCreateAlways", kMissing, 0, nullptr},
-        {"FileCreateAlways", kFile, 0, nullptr},
-        {"FileCreateAlways", kFolder, 0, L"CREATE_ALWAYS"},
-        {"FileOpenExisting", kMissing, 0, L"OPEN_EXISTING"},
-        {"FileOpenExisting", kFile, 4, nullptr},
-        {"FileOpenAlways", kMissing, 0, nullptr},
-        {"FileOpenAlways", kFile, 4, nullptr},
-        {"FileOpenAlways", kFolder, 0, L"OPEN_ALWAYS"},
-        {"FileOpenTruncate", kMissing, 0, L"TRUNCATE_EXISTING"},
-        {"FileOpenTruncate", kFile, 0, nullptr},
-    };
-    // 8-bit paths are read in the system code page: the name takes a letter of it beyond ASCII.
+        {"FileCreateNew", kMissing, 0, nullptr}, {"FileCreateNew", kFile, 0, L"CREATE_NEW"},
+        {"FileCreateAlways", kMissing, 0, nullptr}, {"FileCreateAlways", kFile, 0, nullptr},
+        {"FileCreateAlways", kFolder, 0, L"CREATE_ALWAYS"}, {"FileOpenExisting", kMissing, 0, L"OPEN_EXISTING"},
+        {"FileOpenExisting", kFile, 4, nullptr}, {"FileOpenAlways", kMissing, 0, nullptr},
+        {"FileOpenAlways", kFile, 4, nullptr}, {"FileOpenAlways", kFolder, 0, L"OPEN_ALWAYS"},
+        {"FileOpenTruncate", kMissing, 0, L"TRUNCATE_EXISTING"}, {"FileOpenTruncate", kFile, 0, nullptr}};
+    // clang-format on
+    // 8-bit paths are read in the system code page: the name starts with a letter of it beyond ASCII.
     std::wstring name = L"d.bin";
     std::string nameA = "d.bin";
     for (wchar_t c : {L'\u00E9', L'\u0416', L'\u00C4', L'\u0101'}) {
-        char byte[4] = {};
+        char byte = 0;
         BOOL lossy = FALSE;
-        if (::WideCharToMultiByte(CP_ACP, 0, &c, 1, byte, 4, nullptr, &lossy) == 1 && !lossy &&
-            static_cast<unsigned char>(byte[0]) >= 0x80) {
-            name.insert(0, 1, c);
-            nameA.insert(0, 1, byte[0]);
-            break;
-        }
+        if (name.size() == 5 && ::WideCharToMultiByte(CP_ACP, 0, &c, 1, &byte, 1, nullptr, &lossy) == 1 &&
+            !lossy && (byte & 0x80) != 0)
+            name.insert(0, 1, c), nameA.insert(0, 1, byte);
     }
     const std::wstring path = dir / (L"sub\\" + name);
     const std::string pathA = Narrow(dir.Path()) + "\\sub\\" + nameA; // the folder is ASCII
+    const u64 readWrite = GENERIC_READ | GENERIC_WRITE;
+    const CallArgs args{
+        nullptr, nullptr, {pathA.c_str()}, {path.c_str()}, {0, 0, readWrite, FILE_SHARE_READ}};
     for (const char* form : {"W", "A"}) {
         for (const auto& c : cases) {
             const std::string export_ = c.stem + std::string(form);
@@ -158,11 +144,6 @@ TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
             ::RemoveDirectoryW(path.c_str());
             ASSERT_TRUE(c.before != kFile || WriteFileBytes(path, "1234"));
             ASSERT_TRUE(c.before != kFolder || ::CreateDirectoryW(path.c_str(), nullptr));
-            const CallArgs args{nullptr,
-                                nullptr,
-                                {pathA.c_str()},
-                                {path.c_str()},
-                                {0, 0, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ}};
             void* h = reinterpret_cast<void*>(ExportOf(export_).Call(args));
             if (c.refusal != nullptr) {
                 EXPECT_EQ(h, nullptr);
@@ -184,6 +165,7 @@ TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
 // the size and pointer that the system reports afterwards. Close and delete forget the handle.
 TEST_F(Handles, WholeFileOperationsBySizeAndPointer) {
     const u64 big = 3000000000ull, kClosed = ~0ull, kDeleted = ~1ull;
+    // clang-format off
     const struct {
         const char* name;
         u64 before;
@@ -191,23 +173,16 @@ TEST_F(Handles, WholeFileOperationsBySizeAndPointer) {
         u64 result, size;
         __int64 pointer;
     } cases[] = {
-        {"FileGetSize", 10, 3, 0, 10, 10, 3},
-        {"FileGetSize", big, 3, 0, 18446744072414584320ull, big, 3}, // the low 32 bits, sign-extended
-        {"FileGetPointer", 10, 3, 0, 3, 10, 3},
-        {"FileSetPointerBegin", 10, 3, 2, 2, 10, 2},
-        {"FileSetPointerCurrent", 10, 3, -2, 1, 10, 1},
-        {"FileSetPointerEnd", 10, 3, -2, 8, 10, 8},
-        {"FileSetPointerEnd", big, 3, 0, big, big, big},
-        {"FileResize", 10, 3, 20, 0, 20, 3}, // the pointer stays
-        {"FileResize", 10, 3, 4, 0, 4, 3},
-        {"FileResize", 10, 8, 4, 0, 4, 4}, // unless it would lie past the new end
-        {"FileResize", 10, 3, 5000000000, 0, 5000000000, 3},
-        {"FileClear", 10, 5, 0, 0, 0, 0},
+        {"FileGetSize", 10, 3, 0, 10, 10, 3}, {"FileGetSize", big, 3, 0, 18446744072414584320ull, big, 3},
+        {"FileGetPointer", 10, 3, 0, 3, 10, 3}, {"FileSetPointerBegin", 10, 3, 2, 2, 10, 2},
+        {"FileSetPointerCurrent", 10, 3, -2, 1, 10, 1}, {"FileSetPointerEnd", 10, 3, -2, 8, 10, 8},
+        {"FileSetPointerEnd", big, 3, 0, big, big, big}, {"FileResize", 10, 3, 20, 0, 20, 3},
+        {"FileResize", 10, 3, 4, 0, 4, 3}, {"FileResize", 10, 8, 4, 0, 4, 4}, // to the new end, not past it
+        {"FileResize", 10, 3, 5000000000, 0, 5000000000, 3}, {"FileClear", 10, 5, 0, 0, 0, 0},
         {"FileClear", 0, 5, 0, 0, 0, 5}, // an empty file is left as it is, its pointer too
-        {"FileFlushApply", 10, 3, 0, 0, 10, 3},
-        {"FileCloseHandle", 10, 3, 0, 0, kClosed, 0},
-        {"FileDeleteByHandle", 10, 3, 0, 0, kDeleted, 0},
-    };
+        {"FileFlushApply", 10, 3, 0, 0, 10, 3}, {"FileCloseHandle", 10, 3, 0, 0, kClosed, 0},
+        {"FileDeleteByHandle", 10, 3, 0, 0, kDeleted, 0}};
+    // clang-format on
     const std::wstring path = dir / L"ops.bin";
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.name) + " " + std::to_string(c.before) + " " + std::to_string(c.argument));

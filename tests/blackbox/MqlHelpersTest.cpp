@@ -77,22 +77,4 @@ TEST(MqlHelpers, LinesAsTheExportsInBothWidths) {
     CheckLines<char>("FileWriteStrArrayA", "FileReadStrArrayA");
 }
 
-// TovarinReadStringA: size bytes less trailing zeros, spaces, tabs, CR and LF, as FileReadStringA.
-TEST(MqlHelpers, ReadStringAAsTheExport) {
-    BoxRecorder boxes;
-    TempDir dir;
-    void* file = TOVARIN_FN(FileCreateAlwaysW)((dir / L"a.txt").c_str(), ~0ul, ~0ul);
-    for (const std::string& content :
-         {std::string("ab \t\r\n\0", 7), std::string("     "), std::string("x y")}) {
-        TOVARIN_FN(FileClear)(file);
-        TOVARIN_FN(FileWriteVoid)(file, (content + "!").data(), content.size() + 1);
-        TOVARIN_FN(FileSetPointerBegin)(file, 0);
-        const std::string helper = content.substr(0, content.find_last_not_of(std::string(" \t\r\n", 5)) + 1);
-        EXPECT_EQ(TOVARIN_FN(FileReadStringA)(file, content.size()), helper);
-        EXPECT_EQ(TOVARIN_FN(FileGetPointer)(file), static_cast<__int64>(content.size()));
-    }
-    TOVARIN_FN(FileCloseHandle)(file);
-    ExpectNoBox(boxes);
-}
-
 } // namespace

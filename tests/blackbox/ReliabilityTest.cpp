@@ -1,5 +1,5 @@
 // Reliability: eight threads on private files and one shared handle, a close racing the calls that
-// use the handle, handles and memory over many cycles, two processes, unloading with files open.
+// use the handle, handles and memory over many cycles, two processes.
 #include "support/Exports.h"
 
 #include <gtest/gtest.h>
@@ -232,25 +232,6 @@ TEST(Reliability, TwoProcessesShareOneFile) {
     TOVARIN_FN(FileCloseHandle)(h);
     EXPECT_EQ(ReadFileBytes(path), IntBytes({6, 7, 8, 9}));
     ExpectNoBox(boxes);
-}
-
-// A copy of the DLL loaded, left with a file open that nobody shares, and unloaded: the unload
-// closes the file.
-TEST(Reliability, UnloadClosesTheFilesLeftOpen) {
-    TempDir dir;
-    const std::wstring copy = dir / L"TovarinCopy.dll", path = dir / L"unload.bin";
-    ASSERT_TRUE(::CopyFileW((ExecutableFolder() + L"Tovarin.dll").c_str(), copy.c_str(), FALSE));
-    HMODULE module = ::LoadLibraryW(copy.c_str());
-    ASSERT_NE(module, nullptr);
-    void* h = FromModule<decltype(&::FileCreateAlwaysW)>(module, "FileCreateAlwaysW")(
-        path.c_str(), TOVARIN_GENERIC_READ | TOVARIN_GENERIC_WRITE, 0);
-    EXPECT_EQ(FromModule<decltype(&::FileWriteInt)>(module, "FileWriteInt")(h, 1234), 4);
-    EXPECT_TRUE(::FreeLibrary(module));
-    HANDLE again =
-        ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    EXPECT_NE(again, INVALID_HANDLE_VALUE);
-    ::CloseHandle(again);
-    EXPECT_EQ(ReadFileBytes(path), IntBytes({1234}));
 }
 
 } // namespace

@@ -18,19 +18,15 @@ std::wstring TextOf(HWND window) {
     return text;
 }
 
-// The system icon that a box's icon control shows: error and notice boxes differ by it.
+// The system icon that the box shows: error and notice boxes differ by it.
 UINT IconOf(HWND box) {
-    UINT icon = 0;
-    for (HWND child = ::GetWindow(box, GW_CHILD); child != nullptr; child = ::GetWindow(child, GW_HWNDNEXT)) {
-        const LRESULT shown = (::GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) == SS_ICON
-                                  ? ::SendMessageW(child, STM_GETICON, 0, 0)
-                                  : 0;
-        for (const auto& [name, flag] :
+    for (HWND c = ::GetWindow(box, GW_CHILD); c != nullptr; c = ::GetWindow(c, GW_HWNDNEXT))
+        for (const auto& [icon, flag] :
              {std::make_pair(IDI_ERROR, MB_ICONERROR), std::make_pair(IDI_INFORMATION, MB_ICONINFORMATION)})
-            if (shown != 0 && shown == reinterpret_cast<LRESULT>(::LoadIcon(nullptr, name)))
-                icon = flag;
-    }
-    return icon;
+            if ((::GetWindowLongW(c, GWL_STYLE) & SS_TYPEMASK) == SS_ICON &&
+                ::SendMessageW(c, STM_GETICON, 0, 0) == reinterpret_cast<LRESULT>(::LoadIcon(nullptr, icon)))
+                return flag;
+    return 0;
 }
 
 } // namespace

@@ -58,14 +58,6 @@ void ExpectNoBox(BoxRecorder& boxes) {
     EXPECT_TRUE(shown.empty()) << Narrow(shown[0].text);
 }
 
-std::vector<int> LinesOf(const std::wstring& text) {
-    std::vector<int> lines;
-    const std::wstring label = L"\r\nLine: ";
-    for (size_t at = text.find(label); at != std::wstring::npos; at = text.find(label, at + 1))
-        lines.push_back(std::stoi(text.substr(at + label.size())));
-    return lines;
-}
-
 CurrentFolder::CurrentFolder(const std::wstring& folder) : folder_(folder), saved_(MAX_PATH, L'\0') {
     saved_.resize(::GetCurrentDirectoryW(MAX_PATH, &saved_[0]));
     ::SetCurrentDirectoryW(folder.c_str());

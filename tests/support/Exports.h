@@ -118,8 +118,6 @@ std::wstring Heading(const std::string& name);
 void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector<std::wstring>& pieces,
                   UINT icon = MB_ICONERROR);
 void ExpectNoBox(BoxRecorder& boxes);
-// The numbers that follow "\r\nLine: " in a text, in order.
-std::vector<int> LinesOf(const std::wstring& text);
 
 // Makes a folder the current folder for its lifetime; Empty() tells whether the folder is empty.
 class CurrentFolder {
