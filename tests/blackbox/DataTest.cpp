@@ -4,17 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <cstring>
 #include <limits>
 
 using namespace TestSupport;
 
 namespace {
-
-// The host's string records as the terminal lays them out: 12 bytes, the address at byte 4.
-static_assert(sizeof(TovarinMqlStrW) == 12 && offsetof(TovarinMqlStrW, pointer) == 4, "packed record");
-static_assert(sizeof(TovarinMqlStrA) == 12 && offsetof(TovarinMqlStrA, pointer) == 4, "packed record");
 
 class Data : public testing::Test {
 public:
