@@ -161,19 +161,12 @@ TEST_F(Data, TextsAreRawAndReadsTrimTheEnd) {
     EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, "\xE9\t"), 2);
     EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, nullptr), 0); // a null text to write is empty
     EXPECT_EQ(Bytes(), std::string("a\0 \0b\0\xE9\t", 8));
-    const struct {
-        bool wide;
-        std::string bytes;
-        u64 size;
-        std::string text;
-    } cases[] = {
-        {true, std::string("a\0 \0b\0\t\0\r\0\n\0 \0\0\0", 16), 8, "a b"},
-        {true, std::string("\t\0\0\0 \0", 6), 3, ""},
-        {true, "xy", 0, ""},
-        {false, std::string("x\ty\n\r\t \0", 8), 8, "x\ty"},
-        {false, "\xE9 ", 2, "\xE9"},
-        {false, std::string("\0\r\n", 3), 3, ""},
-    };
+    // clang-format off
+    const struct { bool wide; std::string bytes; u64 size; std::string text; } cases[] = {
+        {true, std::string("a\0 \0b\0\t\0\r\0\n\0 \0\0\0", 16), 8, "a b"}, {true, "xy", 0, ""},
+        {true, std::string("\t\0\0\0 \0", 6), 3, ""}, {false, std::string("x\ty\n\r\t \0", 8), 8, "x\ty"},
+        {false, "\xE9 ", 2, "\xE9"}, {false, std::string("\0\r\n", 3), 3, ""}};
+    // clang-format on
     u64 first[2] = {};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.bytes);

@@ -75,21 +75,19 @@ TEST_F(Handles, HostileArgumentsAreRefused) {
     void* h = Create(L"hostile.bin");
     alignas(8) char buffer[64] = {};
     const u64 all = ~0ull;
+    const UINT kError = MB_ICONERROR;
     const std::wstring noArray = L"\nОтсутствует массив: указатель на массив равен нулю.\n",
                        noStrings = L"\nОтсутствует массив строк: указатель на массив равен нулю.\n";
     // clang-format off
-    const struct {
-        const char* name;
-        CallArgs args;
-        std::vector<std::wstring> pieces;
-        UINT icon = MB_ICONERROR;
-    } cases[] = {
+    const struct { const char* name; CallArgs args; std::vector<std::wstring> pieces; UINT icon = kError; }
+    cases[] = {
         {"FileWriteIntArray", {h, nullptr, {}, {}, {0, 4, 0, 4}}, {noArray}},
-        {"FileReadLongArray", {h, buffer, {}, {}, {0, all, 0, all}}, {L"\nРазмер передаваемых данных превышает адресное пространство.\n"}},
+        {"FileReadLongArray", {h, buffer, {}, {}, {0, all, 0, all}},
+         {L"\nРазмер передаваемых данных превышает адресное пространство.\n"}},
         {"FileWriteStrArrayMW", {h, nullptr, {}, {}, {0, 2, 0, 2}}, {noStrings}},
         {"FileReadStrArrayA", {h, nullptr, {}, {}, {2, 8, 0, 2}}, {noStrings}},
         {"FileWriteVoid", {h, nullptr, {}, {}, {0, 0, 0, 16}}, {L"не записаны данные в файл:"}},
-        {"FileSetPointerBegin", {h, nullptr, {}, {}, {0, 0, 0, 0x80000000}}, {L"Не смещён файловый указатель"}},
+        {"FileSetPointerBegin", {h, nullptr, {}, {}, {0, 0, 0, 1ull << 31}}, {L"Не смещён файловый"}},
         {"FileReadStringW", {h, nullptr, {}, {}, {0, 0, 0, 1ull << 62}}, // a notice, with the last error
          {L"\r\n\nLast Error: ", L"Unknown exception!"}, MB_ICONINFORMATION}};
     // clang-format on
@@ -108,16 +106,13 @@ TEST_F(Handles, HostileArgumentsAreRefused) {
 TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
     enum { kMissing, kFile, kFolder };
     // clang-format off
-    const struct {
-        const char* stem;
-        int before;
-        u64 size;
-        const wchar_t* refusal; // the disposition the refusal names; null: opened
-    } cases[] = {
+    // The size after the open, or the disposition that the refusal names.
+    const struct { const char* stem; int before; u64 size; const wchar_t* refusal; } cases[] = {
         {"FileCreateNew", kMissing, 0, nullptr}, {"FileCreateNew", kFile, 0, L"CREATE_NEW"},
         {"FileCreateAlways", kMissing, 0, nullptr}, {"FileCreateAlways", kFile, 0, nullptr},
-        {"FileCreateAlways", kFolder, 0, L"CREATE_ALWAYS"}, {"FileOpenExisting", kMissing, 0, L"OPEN_EXISTING"},
-        {"FileOpenExisting", kFile, 4, nullptr}, {"FileOpenAlways", kMissing, 0, nullptr},
+        {"FileCreateAlways", kFolder, 0, L"CREATE_ALWAYS"},
+        {"FileOpenExisting", kMissing, 0, L"OPEN_EXISTING"}, {"FileOpenExisting", kFile, 4, nullptr},
+        {"FileOpenAlways", kMissing, 0, nullptr},
         {"FileOpenAlways", kFile, 4, nullptr}, {"FileOpenAlways", kFolder, 0, L"OPEN_ALWAYS"},
         {"FileOpenTruncate", kMissing, 0, L"TRUNCATE_EXISTING"}, {"FileOpenTruncate", kFile, 0, nullptr}};
     // clang-format on
@@ -171,13 +166,8 @@ TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
 TEST_F(Handles, WholeFileOperationsBySizeAndPointer) {
     const u64 big = 7294967296ull, kClosed = ~0ull, kDeleted = ~1ull;
     // clang-format off
-    const struct {
-        const char* name;
-        u64 before;
-        __int64 at, argument;
-        u64 result, size;
-        __int64 pointer;
-    } cases[] = {
+    const struct { const char* name; u64 before; __int64 at, argument; u64 result, size; __int64 pointer; }
+    cases[] = {
         {"FileGetSize", big, 3, 0, 18446744072414584320ull, big, 3}, // the low 32 bits, sign-extended
         {"FileGetPointer", 10, 3, 0, 3, 10, 3}, {"FileSetPointerBegin", 10, 3, 2, 2, 10, 2},
         {"FileSetPointerCurrent", 10, 3, -2, 1, 10, 1}, {"FileSetPointerEnd", 10, 3, -2, 8, 10, 8},

@@ -21,24 +21,29 @@ std::wstring Refusal(const std::wstring& path) {
 // Each rule at its edge; a refusal is the rule's text, then ":\n\"<path>\"". Reserved names are
 // whole names as spelled, and the entry shown is the one at the name's position, deliberately.
 TEST(PathRules, EachRuleAtItsEdge) {
-    const std::wstring longest = L"C:\\" + std::wstring(252, L'n'), bad = L"Обнаружен запрещённый символ ",
-                       reserved = L"Использовано зарезервированное в Windows имя ",
-                       end = L"Пробел в конце пути";
+    const auto bad = [](wchar_t c, int at) {
+        return L"Обнаружен запрещённый символ '" + std::wstring(1, c) + L"' в позиции " + std::to_wstring(at);
+    };
+    const auto reserved = [](const wchar_t* entry, int number) {
+        return L"Использовано зарезервированное в Windows имя \"" + std::wstring(entry) +
+               L"\" с порядковым номером " + std::to_wstring(number);
+    };
+    const std::wstring longest = L"C:\\" + std::wstring(252, L'n'), end = L"Пробел в конце пути";
     // clang-format off
     const std::pair<std::wstring, std::wstring> cases[] = { // a path, and its refusal or nothing
-        {longest, L""}, {longest + L"n", L"Боле 255 символов в пути"}, {L"\\\\?\\" + longest + L"n", L""},
-        {L"\\\\?\\x", bad + L"'?' в позиции 2 в пути"}, {L"C:\\a b.c\\d", L""}, {L"C:\\d ", end}, {L"C:\\d.", end},
-        {L"C:\\a*b:c", L""}, {L"C:\\a*", bad + L"'*' в позиции 4 в пути"}, {L"C:\\?", bad + L"'?' в позиции 3 в пути"},
-        {L"C:\\a\"", bad + L"'\"' в позиции 4 в пути"}, {L"C:\\<", bad + L"'<' в позиции 3 в пути"},
-        {L"C:\\>", bad + L"'>' в позиции 3 в пути"}, {L"C:\\ab|", bad + L"'|' в позиции 5 в пути"},
-        {L"C:/a", bad + L"'/' в позиции 2 в пути"}, {L"ftp://host/a", L""}, {L"Http://h/a?b", bad + L"'?' в позиции 10 в пути"},
-        {L"con", reserved + L"\"con\" с порядковым номером 1 в пути"}, {L"C:\\con.txt\\CON\\aux\\COM0\\LPT10", L""},
-        {L"C:\\a\\b\\LPT9\\c", reserved + L"\"AUX\" с порядковым номером 4 в пути"}};
+        {longest, L""}, {longest + L"n", L"Боле 255 символов"}, {L"\\\\?\\" + longest + L"n", L""},
+        {L"C:\\a b.c\\d", L""}, {L"C:\\d ", end}, {L"C:\\d.", end}, {L"C:\\a*b:c", L""},
+        {L"\\\\?\\x", bad('?', 2)}, {L"C:\\a*", bad('*', 4)}, {L"C:\\?", bad('?', 3)},
+        {L"C:\\a\"", bad('"', 4)}, {L"C:\\<", bad('<', 3)}, {L"C:\\>", bad('>', 3)},
+        {L"C:\\ab|", bad('|', 5)}, {L"C:/a", bad('/', 2)}, {L"ftp://host/a", L""},
+        {L"Http://h/a?b", bad('?', 10)}, {L"con", reserved(L"con", 1)},
+        {L"C:\\a\\b\\LPT9\\c", reserved(L"AUX", 4)}, {L"C:\\con.txt\\CON\\aux\\COM0\\LPT10", L""}};
     // clang-format on
     for (const auto& [path, refusal] : cases) {
         const std::wstring text = Refusal(path);
+        const std::wstring tail = (refusal == end ? L"" : L" в пути") + (L":\n\"" + path + L"\"");
         EXPECT_TRUE(refusal.empty() ? text == L"(nothing thrown)"
-                                    : text.find(refusal + L":\n\"" + path + L"\"") != std::wstring::npos)
+                                    : text.find(refusal + tail) != std::wstring::npos)
             << Narrow(path) << "\n"
             << Narrow(text);
     }
@@ -46,8 +51,7 @@ TEST(PathRules, EachRuleAtItsEdge) {
     for (std::wstring name : {L"con",  L"nul",  L"prn",  L"AUX",  L"COM1", L"COM2", L"COM3", L"COM4",
                               L"COM5", L"COM6", L"COM7", L"COM8", L"COM9", L"LPT1", L"LPT2", L"LPT3",
                               L"LPT4", L"LPT5", L"LPT6", L"LPT7", L"LPT8", L"LPT9"}) {
-        EXPECT_HAS(Refusal(L"C:\\" + name),
-                   reserved + L"\"nul\" с порядковым номером 2 в пути:\n\"C:\\" + name + L"\"");
+        EXPECT_HAS(Refusal(L"C:\\" + name), reserved(L"nul", 2) + L" в пути:\n\"C:\\" + name + L"\"");
         for (wchar_t& c : name)
             c = std::iswalpha(c) ? c ^ 0x20 : c; // the other case passes
         EXPECT_EQ(Refusal(L"C:\\" + name), L"(nothing thrown)");

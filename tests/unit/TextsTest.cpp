@@ -65,33 +65,38 @@ TEST(Composer, HeadingsMessageAndLastErrorBlock) {
 // and gets the system's text; code 0 has one shared entry.
 TEST(DescriptionTables, EntriesAtTheEdgesAndCodesBesideThemFallBackToTheSystem) {
     using namespace Utils::Error;
-    struct Table {
+    struct Table { // the wide and 8-bit (or null) describers, how a block shows its code, codes with and
+                   // without entries
         std::wstring (*wide)(long);
-        std::string (*narrow)(long); // null: no 8-bit copy
-        const wchar_t* code;         // how the block shows a code
+        std::string (*narrow)(long);
+        const wchar_t* code;
         std::vector<std::pair<long, const wchar_t*>> entries;
         std::vector<long> beside;
     };
     // clang-format off
     const Table tables[] = {
         {[](long c) { return InternetW(c); }, [](long c) { return InternetA(c); }, L"%ld",
-         {{12001, L"No more handles"}, {12002, L"The request has timed"}, {12034, L"A user interface"},
-          {12036, L"The request failed"}, {12050, L"The dialog box should"}, {12052, L"The data being"},
-          {12057, L"Revocation"}, {12110, L"The requested operation cannot be made on the FTP"},
-          {12112, L"Passive mode"}, {12130, L"An error was detected while parsing"}, {12138, L"The locator DWORD"},
+         {{12001, L"No more handles"}, {12034, L"A user interface"}, {12036, L"The request failed"},
+          {12050, L"The dialog box should"}, {12052, L"The data being"}, {12057, L"Revocation"},
+          {12110, L"The requested operation cannot be made on the FTP"}, {12112, L"Passive mode"},
+          {12130, L"An error was detected while parsing"}, {12138, L"The locator DWORD"},
           {12150, L"The requested header"}, {12175, L"WinINet failed"}},
          {5, 12000, 12035, 12051, 12058, 12109, 12113, 12129, 12139, 12149, 12176}},
-        {[](long c) { return CommonDialogDescriptionW(c); }, [](long c) { return CommonDialogDescriptionA(c); },
-         L"0x%04lX",
-         {{0x0001, L"The lStructSize"}, {0x000C, L"The RegisterWindowMessage"}, {0x1001, L"The PrintDlg function failed to load the required"},
-          {0x100C, L"You called"}, {0x2001, L"No fonts"}, {0x2002, L"The size specified"}, {0x3001, L"An attempt to subclass"},
-          {0x3003, L"The buffer pointed"}, {0x4001, L"A member of the FINDREPLACE"}, {0xFFFF, L"The dialog box could not"}},
+        {[](long c) { return CommonDialogDescriptionW(c); },
+         [](long c) { return CommonDialogDescriptionA(c); }, L"0x%04lX",
+         {{0x0001, L"The lStructSize"}, {0x000C, L"The RegisterWindowMessage"},
+          {0x1001, L"The PrintDlg function failed to load the"}, {0x100C, L"You called"},
+          {0x2001, L"No fonts"}, {0x2002, L"The size specified"}, {0x3001, L"An attempt to"},
+          {0x3003, L"The buffer pointed"}, {0x4001, L"A member of the"},
+          {0xFFFF, L"The dialog box could not"}},
          {0x000D, 0x1000, 0x100D, 0x2003, 0x3000, 0x3004, 0x4002, 0xFFFE}},
         {[](long c) { return ShellOperationDescriptionW(c); }, nullptr, L"0x%05lX",
-         {{0x71, L"The source and destination files"}, {0x76, L"The destination is a subtree"}, {0x78, L"Security"},
-          {0x7A, L"The operation involved"}, {0x7C, L"The path in the source"}, {0x7E, L"The destination path is an existing file"},
-          {0x80, L"The destination path is an existing folder"}, {0x88, L"The source is a writable"}, {0xB7, L"MAX_PATH was"},
-          {0x402, L"An unknown error"}, {0x10000, L"An unspecified"}, {0x10074, L"Destination is a root"}},
+         {{0x71, L"The source and destination files"}, {0x76, L"The destination is a subtree"},
+          {0x78, L"Security"}, {0x7A, L"The operation involved"}, {0x7C, L"The path in the source"},
+          {0x7E, L"The destination path is an existing file"},
+          {0x80, L"The destination path is an existing folder"}, {0x88, L"The source is a writable"},
+          {0xB7, L"MAX_PATH was"}, {0x402, L"An unknown error"}, {0x10000, L"An unspecified"},
+          {0x10074, L"Destination is a root"}},
          {0x70, 0x77, 0x7B, 0x7F, 0x89, 0xB6, 0x401, 0xFFFF, 0x10075}}};
     // clang-format on
     for (const Table& t : tables) {
