@@ -116,16 +116,11 @@ TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
         {"FileOpenAlways", kFile, 4, nullptr}, {"FileOpenAlways", kFolder, 0, L"OPEN_ALWAYS"},
         {"FileOpenTruncate", kMissing, 0, L"TRUNCATE_EXISTING"}, {"FileOpenTruncate", kFile, 0, nullptr}};
     // clang-format on
-    // 8-bit paths are read in the system code page: the name starts with a letter of it beyond ASCII.
-    std::wstring name = L"d.bin";
-    std::string nameA = "d.bin";
-    for (wchar_t c : {L'\u00E9', L'\u0416', L'\u00C4', L'\u0101'}) {
-        char byte = 0;
-        BOOL lossy = FALSE;
-        if (name.size() == 5 && ::WideCharToMultiByte(CP_ACP, 0, &c, 1, &byte, 1, nullptr, &lossy) == 1 &&
-            !lossy && (byte & 0x80) != 0)
-            name.insert(0, 1, c), nameA.insert(0, 1, byte);
-    }
+    // 8-bit paths are read in the system code page: the name starts with its letter 0xE9, if it has one.
+    wchar_t letter = 0;
+    const bool single = ::MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, "\xE9", 1, &letter, 1) == 1;
+    const std::wstring name = (single ? std::wstring(1, letter) : L"") + L"d.bin";
+    const std::string nameA = (single ? "\xE9" : "") + std::string("d.bin");
     const std::wstring path = dir / (L"sub\\" + name);
     const std::string pathA = Narrow(dir.Path()) + "\\sub\\" + nameA; // the folder is ASCII
     for (const char* form : {"W", "A"}) {
