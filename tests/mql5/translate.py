@@ -77,6 +77,8 @@ class Translator:
                 start = len([j for j in sig if j < i])
             elif kind == "name":
                 k = at[i]
+                if tok in ("struct", "class") and word(k + 2) == ":":
+                    self.refuse(line, "a base class is outside the subset")
                 if tok == "input":
                     out[i] = "" if depth == 0 else self.refuse(line, "'input' inside a block")
                 if word(k + 1) == "(" and tok not in KEYWORDS | self.types | self.functions:

@@ -13,6 +13,7 @@ REFUSED = [  # (text from line 3 on, the line refused, what the refusal says)
     ("void F()\n  {\n   static int n;\n  }", 5, "'static'"),
     ("int F() { return(MathAbs(-1)); }", 3, "'MathAbs' is neither declared"),
     ("int a[2][3];", 3, "more than one dimension"),
+    ("class CFileTxt : public CFile {};", 3, "base class"),
     ("long n = 1LL; /* a block */", 3, "'1LL'"),
     ("void F() { ::Print(1); }", 3, "'::'"),
     ("void F() { input int n = 1; }", 3, "'input' inside a block"),
