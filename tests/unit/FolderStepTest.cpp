@@ -22,7 +22,7 @@ TEST(FolderStep, AnswersAsTheShellForAbsoluteRelativeExistingAndMissingFolders) 
                        {L"..", L"..", false}};
     for (const Case& c : cases) {
         SCOPED_TRACE(TestSupport::Narrow(c.step));
-        EXPECT_EQ(Utils::CreateFolder(c.step), c.accepted);
+        EXPECT_EQ(Utils::CreateFolder(c.step + L"\\x.bin").made, c.accepted);
         const int shell = ::SHCreateDirectoryExW(nullptr, c.shell.c_str(), nullptr);
         EXPECT_EQ(shell == ERROR_SUCCESS || shell == ERROR_ALREADY_EXISTS, c.accepted);
     }
