@@ -35,9 +35,10 @@ bool IsDriveRoot(const std::wstring& path, const size_t at) {
     return (drive >= L'A' && drive <= L'Z') || (drive >= L'a' && drive <= L'z');
 }
 
-// Copy, move and delete have no folder step, nor has the source of a hard link: a path that is not
-// absolute is refused here, in the caller's name, before any system call.
-void RequireAbsolute(const Error::Site& site, const std::wstring& path) {
+// The path rules, then an absolute path, for the paths that have no folder step: those of copy,
+// move and delete, and the source of a hard link. Refused in the caller's name, before any system call.
+void CheckAbsolutePath(const Error::Site& site, const std::wstring& path) {
+    String::Path::Has(path);
     if (!IsAbsolutePath(path))
         TOVARIN_THROW_AT(site, "[f]", false, L"Путь не абсолютный:\r\n\"" + path + L"\"");
 }
@@ -54,9 +55,9 @@ bool IsDriveFolder(const std::wstring& folder) {
 
 FolderStep CreateFolder(const std::wstring& path) {
     FolderStep step = {String::Path::TrimNameFileCW(path, 0), false};
-    // The shell refuses a plain relative folder (".", "..", "name") with 161, but takes a
-    // drive-relative ("X:name") or root-relative ("\name") one and makes it under the current
-    // folder: neither reaches it.
+    // No path that is not absolute reaches the shell: it refuses a plain relative folder (".",
+    // "..", "name") with 161, but takes a drive-relative ("X:name") or root-relative ("\name") one
+    // and makes it against the current folder.
     if (!IsAbsolutePath(path))
         return step;
     // The shell would find an existing absolute folder on a drive and report it as existing.
@@ -91,12 +92,9 @@ bool FileOperation(const std::wstring& from, const std::wstring& to, const unsig
     if (wFunc < FO_MOVE || wFunc > FO_RENAME)
         TOVARIN_THROW(kFileOperation, false,
                       L"Неверно выбран параметр выбора операции.\r\nwFunc = " + std::to_wstring(wFunc));
-    String::Path::Has(from);
-    RequireAbsolute(TOVARIN_SITE(kFileOperation), from);
-    if (wFunc != FO_DELETE) {
-        String::Path::Has(to);
-        RequireAbsolute(TOVARIN_SITE(kFileOperation), to);
-    }
+    CheckAbsolutePath(TOVARIN_SITE(kFileOperation), from);
+    if (wFunc != FO_DELETE)
+        CheckAbsolutePath(TOVARIN_SITE(kFileOperation), to);
     return Sys().fileOperation(&operation) == 0 && !operation.fAnyOperationsAborted;
 }
 
@@ -120,9 +118,8 @@ bool SymbolicLink(const std::wstring& link, const std::wstring& target, const bo
 namespace File {
 
 void HardLink(const std::wstring& source, const std::wstring& link) {
-    String::Path::Has(source);
+    CheckAbsolutePath(TOVARIN_SITE(kHardLink), source);
     String::Path::Has(link);
-    RequireAbsolute(TOVARIN_SITE(kHardLink), source);
     // One drive, told by the first characters, compared exactly: "c:\a" and "C:\b" differ. A link
     // that is not absolute names no drive: the folder step refuses it.
     if (IsAbsolutePath(link) && source[0] != link[0])
