@@ -1,5 +1,6 @@
 // The folder step skips the shell only where the shell's answer is known: an existing absolute
-// folder on a drive. Everywhere else it answers as the shell does, whatever exists.
+// folder on a drive. Elsewhere it answers as the shell does, whatever exists, except that it never
+// hands the shell a drive- or root-relative folder, which the shell would take (see PathsTest).
 #include "support/Exports.h"
 #include "utils/Utils.File.h"
 
