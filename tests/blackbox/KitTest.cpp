@@ -157,7 +157,8 @@ TEST_F(Kit, ExampleExportsBarsAndHandsOverACopy) {
         EXPECT_EQ(mql::TakeJournal(),
                   (std::vector<std::u16string>{written.text, u"Read back: identical", run.last.text}));
     }
-    EXPECT_TRUE(boxes.Boxes().empty()); // the failed copy too shows none: copies fail silently
+    ASSERT_EQ(boxes.Boxes().size(), 1u); // the last run's, refusing the name
+    EXPECT_NE(boxes.Boxes()[0].text.find(L"FileCopyW"), std::wstring::npos);
     EXPECT_FALSE(FileExists(dir / L"Tovarin\\Out\\EUR_USD_H1.bars"));
     // The first run's copy, as a reader of the layout that the example states sees it.
     Array<mql::MqlRates> r;
