@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <initializer_list>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -74,6 +73,7 @@ template <class T> struct Array {
         a.items.resize(std::max<std::size_t>(size, init.size()), Unset<T>());
         return a;
     }
+    Array& operator=(const Array&) = delete; // MQL5 assigns no arrays: ArrayCopy copies them
     int Size() const { return static_cast<int>(items.size()); }
     T* Data() { return reinterpret_cast<T*>(items.data()); }
     const T* Data() const { return reinterpret_cast<const T*>(items.data()); }
