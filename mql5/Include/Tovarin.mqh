@@ -301,10 +301,10 @@ ulong TovarinWriteLinesA(const long handle, const string &lines[])
    return((ulong)n);
   }
 
-// Logs that an array could not be resized to count elements; false.
-bool TovarinNoMemory(const string what, const int count)
+// Logs that an array could not be resized to count elements (no memory, or a static array); false.
+bool TovarinResizeFailed(const string what, const int count)
   {
-   PrintFormat("Tovarin: %s: no memory for %d elements", what, count);
+   PrintFormat("Tovarin: %s cannot resize an array to %d elements", what, count);
    return(false);
   }
 
@@ -351,7 +351,7 @@ long TovarinBytesLeft(const long handle)
 bool TovarinAddLineW(string &lines[], const int index, const ushort &text[], const int begin, const int length)
   {
    if(ArrayResize(lines, index + 1, 1024) != index + 1)
-      return(TovarinNoMemory("TovarinReadLinesW", index + 1));
+      return(TovarinResizeFailed("TovarinReadLinesW", index + 1));
    lines[index] = length > 0 ? ShortArrayToString(text, begin, length) : "";
    return(true);
   }
@@ -359,7 +359,7 @@ bool TovarinAddLineW(string &lines[], const int index, const ushort &text[], con
 bool TovarinAddLineA(string &lines[], const int index, const uchar &text[], const int begin, const int length)
   {
    if(ArrayResize(lines, index + 1, 1024) != index + 1)
-      return(TovarinNoMemory("TovarinReadLinesA", index + 1));
+      return(TovarinResizeFailed("TovarinReadLinesA", index + 1));
    lines[index] = length > 0 ? CharArrayToString(text, begin, length, CP_ACP) : "";
    return(true);
   }
@@ -376,7 +376,7 @@ ulong TovarinReadLinesW(const long handle, string &lines[])
    ushort text[];
    if(length > 0 && ArrayResize(text, length) != length)
      {
-      TovarinNoMemory("TovarinReadLinesW", length);
+      TovarinResizeFailed("TovarinReadLinesW", length);
       return(TOVARIN_FAILED_COUNT);
      }
    if(length > 0 && FileReadUShortArray(handle, text, (ulong)length, 0, (ulong)length) != (ulong)length)
@@ -406,7 +406,7 @@ ulong TovarinReadLinesA(const long handle, string &lines[])
    uchar text[];
    if(length > 0 && ArrayResize(text, length) != length)
      {
-      TovarinNoMemory("TovarinReadLinesA", length);
+      TovarinResizeFailed("TovarinReadLinesA", length);
       return(TOVARIN_FAILED_COUNT);
      }
    if(length > 0 && FileReadVoid(handle, text, (ulong)length) != (ulong)length)
@@ -437,7 +437,7 @@ bool TovarinReadStringA(const long handle, const ulong size, string &text)
    int n = (int)size;
    uchar bytes[];
    if(n > 0 && ArrayResize(bytes, n) != n)
-      return(TovarinNoMemory("TovarinReadStringA", n));
+      return(TovarinResizeFailed("TovarinReadStringA", n));
    if(n > 0 && FileReadVoid(handle, bytes, size) != size)
       return(false);
    while(n > 0 && (bytes[n - 1] == 0 || bytes[n - 1] == 32 || bytes[n - 1] == 10 || bytes[n - 1] == 13
