@@ -1,5 +1,6 @@
 // The source file and line that the failure texts of the pinned sites show, each reached through
 // the internal function (the export-reachable ones are tested through the DLL).
+#include "support/BoxRecorder.h"
 #include "support/TempDir.h"
 
 #include "utils/Utils.Error.h"
@@ -67,6 +68,17 @@ TEST(PinnedSites, TextsShowTheirFileAndLine) {
                   std::wstring::npos)
             << Narrow(text);
     }
+}
+
+// The describer's notice for a shell code is a notice box, not a throw.
+TEST(PinnedSites, DescriberNoticeShowsItsFileAndLine) {
+    BoxRecorder boxes;
+    ::SetLastError(0x71);
+    Utils::Error::DescriptionW<int>(0);
+    const std::vector<Box> shown = boxes.Boxes();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_NE(shown[0].text.find(L"File: \"Utils.Error.cpp\"\r\nLine: 522\r\n"), std::wstring::npos);
+    EXPECT_EQ(shown[0].icon, MB_ICONINFORMATION);
 }
 
 } // namespace

@@ -1,9 +1,5 @@
-// The failure-text composer's headings and last-error block, the bilingual description tables at
-// their edges, and the failure box.
-#include "support/BoxRecorder.h"
-#include "support/TempDir.h"
-
-#include "exports/Frame.h"
+// The failure-text composer's headings and last-error block, and the bilingual description tables
+// at their edges.
 #include "utils/Utils.CodingStr.h"
 #include "utils/Utils.Error.h"
 
@@ -52,12 +48,6 @@ TEST(Composer, HeadingsMessageAndLastErrorBlock) {
         ::SetLastError(static_cast<DWORD>(c.lastError));
         EXPECT_EQ(ComposeFailureTextW(c.where, c.text, c.lastError >= 0), c.composed);
     }
-    ::SetLastError(5);
-    const std::string narrow = ComposeFailureTextA("void f(int)[f]\r\nL\r\n", "message", true);
-    EXPECT_EQ(Utils::CodingStr::AnsiToUnicode(narrow, 1251)
-                  .find(L"Ошибка в функции \"void f(int)\"!\r\nL\r\n\nLast Error: 1.\n"),
-              0u);
-    EXPECT_EQ(narrow.substr(narrow.size() - 9), "\nmessage\n");
 }
 
 // Each table at its edges: the first and last code of each run has its entry (its English text
@@ -112,34 +102,9 @@ TEST(DescriptionTables, EntriesAtTheEdgesAndCodesBesideThemFallBackToTheSystem) 
             EXPECT_TRUE(t.narrow == nullptr ||
                         Utils::CodingStr::AnsiToUnicode(t.narrow(code), 1251) == block);
         }
-        for (const long code : t.beside) {
+        for (const long code : t.beside)
             EXPECT_EQ(t.wide(code), SystemDescriptionW(static_cast<unsigned long>(code))) << code;
-            EXPECT_TRUE(t.narrow == nullptr ||
-                        t.narrow(code) == SystemDescriptionA(static_cast<unsigned long>(code)));
-        }
     }
-    for (const long code : {12000, 12001, 12175, 12176}) { // the long-typed describer's network range
-        ::SetLastError(static_cast<DWORD>(code));
-        EXPECT_EQ(DescriptionW<long>(0).find(L"\r\nLast Error: " + std::to_wstring(code) + L"."),
-                  code == 12000 || code == 12176 ? std::wstring::npos : 0u);
-    }
-}
-
-// The 8-bit clause of the export frame shows an error box captioned with the module's name; the
-// describer's notice for a shell code, a notice box at its pinned line.
-TEST(FailureBox, NarrowFailuresAndTheDescribersNotice) {
-    TestSupport::BoxRecorder boxes;
-    Project::ReportNarrow(TOVARIN_FIXED_SITE("void f(void)", "src/f.cpp", 7), "thrown");
-    ::SetLastError(0x71);
-    Utils::Error::DescriptionW<int>(0);
-    const std::vector<TestSupport::Box> shown = boxes.Boxes();
-    ASSERT_EQ(shown.size(), 2u);
-    EXPECT_EQ(shown[0].caption + L"|" + shown[1].caption,
-              Project::ModuleName() + L"|Utils::Error::DescriptionW");
-    EXPECT_HAS(shown[0].text, L"void f(void)\"!\r\nFile: \"f.cpp\"\r\nLine: 7\r\n\nthrown\n");
-    EXPECT_HAS(shown[1].text, L"File: \"Utils.Error.cpp\"\r\nLine: 522\r\n");
-    EXPECT_EQ(shown[0].icon, MB_ICONERROR);
-    EXPECT_EQ(shown[1].icon, MB_ICONINFORMATION);
 }
 
 } // namespace
