@@ -122,10 +122,9 @@ TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
     const struct { const char* stem; int before; u64 size; const wchar_t* refusal; } cases[] = {
         {"FileCreateNew", kMissing, 0, nullptr}, {"FileCreateNew", kFile, 0, L"CREATE_NEW"},
         {"FileCreateAlways", kMissing, 0, nullptr}, {"FileCreateAlways", kFile, 0, nullptr},
-        {"FileCreateAlways", kFolder, 0, L"CREATE_ALWAYS"},
-        {"FileOpenExisting", kMissing, 0, L"OPEN_EXISTING"}, {"FileOpenExisting", kFile, 4, nullptr},
-        {"FileOpenAlways", kMissing, 0, nullptr},
+        {"FileCreateAlways", kFolder, 0, L"CREATE_ALWAYS"}, {"FileOpenAlways", kMissing, 0, nullptr},
         {"FileOpenAlways", kFile, 4, nullptr}, {"FileOpenAlways", kFolder, 0, L"OPEN_ALWAYS"},
+        {"FileOpenExisting", kMissing, 0, L"OPEN_EXISTING"}, {"FileOpenExisting", kFile, 4, nullptr},
         {"FileOpenTruncate", kMissing, 0, L"TRUNCATE_EXISTING"}, {"FileOpenTruncate", kFile, 0, nullptr}};
     // clang-format on
     // 8-bit paths are read in the system code page: the name starts with its letter 0xE9, if it has one.
@@ -139,11 +138,8 @@ TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
         // W: writing only, reading shared; A: the defaults, reading and writing, both shared.
         const bool defaults = form[0] == 'A';
         const u64 access = defaults ? TOVARIN_DEFAULT : GENERIC_WRITE;
-        const CallArgs args{nullptr,
-                            nullptr,
-                            {pathA.c_str()},
-                            {path.c_str()},
-                            {0, 0, access, defaults ? TOVARIN_DEFAULT : FILE_SHARE_READ}};
+        const u64 share = defaults ? TOVARIN_DEFAULT : FILE_SHARE_READ;
+        const CallArgs args{nullptr, nullptr, {pathA.c_str()}, {path.c_str()}, {0, 0, access, share}};
         for (const auto& c : cases) {
             const std::string export_ = c.stem + std::string(form);
             SCOPED_TRACE(export_ + " " + std::to_string(c.before));
