@@ -58,19 +58,4 @@ void ExpectNoBox(BoxRecorder& boxes) {
     EXPECT_TRUE(shown.empty()) << Narrow(shown[0].text);
 }
 
-CurrentFolder::CurrentFolder(const std::wstring& folder) : folder_(folder), saved_(MAX_PATH, L'\0') {
-    saved_.resize(::GetCurrentDirectoryW(MAX_PATH, &saved_[0]));
-    ::SetCurrentDirectoryW(folder.c_str());
-}
-
-bool CurrentFolder::Empty() const {
-    WIN32_FIND_DATAW found;
-    HANDLE search = ::FindFirstFileW((folder_ + L"\\*").c_str(), &found);
-    int entries = 0; // "." and ".." are always there
-    for (bool more = search != INVALID_HANDLE_VALUE; more; more = ::FindNextFileW(search, &found))
-        ++entries;
-    ::FindClose(search);
-    return entries <= 2;
-}
-
 } // namespace TestSupport

@@ -119,15 +119,17 @@ void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector
                   UINT icon = MB_ICONERROR);
 void ExpectNoBox(BoxRecorder& boxes);
 
-// Makes a folder the current folder for its lifetime; Empty() tells whether the folder is empty.
+// Makes a folder the current folder for its lifetime.
 class CurrentFolder {
 public:
-    explicit CurrentFolder(const std::wstring& folder);
+    explicit CurrentFolder(const std::wstring& folder) : saved_(MAX_PATH, L'\0') {
+        saved_.resize(::GetCurrentDirectoryW(MAX_PATH, &saved_[0]));
+        ::SetCurrentDirectoryW(folder.c_str());
+    }
     ~CurrentFolder() { ::SetCurrentDirectoryW(saved_.c_str()); }
-    bool Empty() const;
 
 private:
-    std::wstring folder_, saved_;
+    std::wstring saved_;
 };
 
 } // namespace TestSupport
