@@ -87,19 +87,6 @@ TEST_F(Paths, HardLinksShareTheFileOnOneDriveOnly) {
     EXPECT_FALSE(FileExists(link));
 }
 
-TEST_F(Paths, CompletedOperationAlwaysRefuses) {
-    const std::wstring never = dir / L"never.bin";
-    EXPECT_EQ(TOVARIN_FN(FileCompletedW)(never.c_str(), 2, -1, 0, 0, 0, nullptr, 0), 0u);
-    ExpectOneBox(
-        boxes, "FileCompletedW",
-        {L"\"unsigned __int64 __cdecl Project::CompletedOperation(const class "
-         L"std::basic_string<wchar_t,struct std::char_traits<wchar_t>,class std::allocator<wchar_t> > "
-         L"&,const unsigned short,const int,const __int64,const unsigned short,const unsigned long,void "
-         L"*,const unsigned __int64)\"!",
-         L"\nДоступ к файлу выбран неправильно.\n"});
-    EXPECT_FALSE(FileExists(never));
-}
-
 // Every path an export resolves, null, empty, breaking a rule or not absolute (plain, drive- or
 // root-relative, through "." or ".."; its folder existing or not), is refused before any system call with one
 // box and the neutral result: by the path rules, by the folder step of an open or a link, or by the copy,
