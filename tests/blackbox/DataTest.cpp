@@ -225,9 +225,9 @@ TEST_F(Data, EightBitArgumentsUseTheSystemCodePage) {
             break;
         }
     }
-    if (name.empty())
-        GTEST_SKIP() << "the system code page has no 8-bit letter to test with";
-    const std::string folder = Narrow(dir.Path()); // ASCII
+    const std::string folder = Narrow(dir.Path(), CP_ACP);
+    if (name.empty() || folder.empty())
+        GTEST_SKIP() << "the system code page spells no 8-bit letter, or not the temporary folder";
     void* file =
         TOVARIN_FN(FileCreateAlwaysA)((folder + "\\" + narrow).c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
     ASSERT_NE(file, nullptr);

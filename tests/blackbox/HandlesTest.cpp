@@ -29,7 +29,7 @@ TEST_F(Handles, UnknownAndClosedHandlesAreRefusedBeforeACountOfZero) {
     void* open = Create(L"open.bin"); // the registry is not empty
     void* closed = Create(L"closed.bin");
     close(closed);
-    const std::string pathA = Narrow(dir / L"target.bin");
+    const std::string pathA = Narrow(dir / L"target.bin", CP_ACP);
     const std::wstring pathW = dir / L"target.bin";
     alignas(8) char buffer[256] = {};
     for (const ExportRow& row : Exports()) {

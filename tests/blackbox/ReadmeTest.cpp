@@ -1,6 +1,8 @@
 // README.md shows what the library shows: its sample failure box is the real text of the same call.
 #include "support/Exports.h"
 
+#include <algorithm>
+
 using namespace TestSupport;
 
 namespace {
@@ -13,11 +15,12 @@ TEST(Readme, SampleBoxIsTheRealTextOfItsCall) {
     TOVARIN_FN(FileWriteInt)(reinterpret_cast<void*>(0x7FFFFFF0), 1);
     TOVARIN_FN(FileCloseHandle)(file);
     ASSERT_EQ(boxes.Boxes().size(), 1u);
+    // Both as LF text, whatever line ends the checkout gave README.md.
     std::string real = Narrow(boxes.Boxes()[0].text);
-    for (std::size_t at = real.find("\r\n"); at != std::string::npos; at = real.find("\r\n", at))
-        real.erase(at, 1);
+    real.erase(std::remove(real.begin(), real.end(), '\r'), real.end());
     real.erase(real.find_last_not_of('\n') + 1);
-    const std::string readme = ReadFileBytes(std::wstring(TOVARIN_SOURCE_DIR) + L"\\README.md");
+    std::string readme = ReadFileBytes(std::wstring(TOVARIN_SOURCE_DIR) + L"\\README.md");
+    readme.erase(std::remove(readme.begin(), readme.end(), '\r'), readme.end());
     const std::string begin = "<!-- sample-box:begin -->\n```\n";
     const std::size_t from = readme.find(begin) + begin.size();
     EXPECT_EQ(readme.substr(from, readme.find("\n```\n<!-- sample-box:end -->") - from), real)
