@@ -402,14 +402,14 @@ def left_pointer(ctype):
 
 def wrapped(head, items, tail):
     """head + items joined by ", " + tail in lines of at most COLUMNS, continued under the first item."""
-    lines, line = [], head
-    for i, item in enumerate(items):
-        piece = item + ("," if i + 1 < len(items) else tail)
-        if line not in (head, " " * len(head)) and len(line) + 1 + len(piece) > COLUMNS:
-            lines.append(line)
-            line = " " * len(head)
-        line += ("" if line in (head, " " * len(head)) else " ") + piece
-    return "\n".join(lines + [line]) + "\n"
+    pieces = [item + "," for item in items[:-1]] + [items[-1] + tail]
+    lines = [head + pieces[0]]
+    for piece in pieces[1:]:
+        if len(lines[-1]) + 1 + len(piece) > COLUMNS:
+            lines.append(" " * len(head) + piece)
+        else:
+            lines[-1] += " " + piece
+    return "\n".join(lines) + "\n"
 
 
 def make_header():
