@@ -49,8 +49,8 @@ TEST_F(Paths, ByHandleOperationsFollowTheFile) {
     EXPECT_FALSE(FileExists(src));
     EXPECT_EQ(TOVARIN_FN(FileWriteInt)(h, 0x21212121), 4); // the handle still works
     TOVARIN_FN(FileFlushApply)(h);
-    EXPECT_EQ(TOVARIN_FN(FileCopyByHandleA)(h, Narrow(dir / L"copy2.bin", CP_ACP).c_str()),
-              1); // from the new path
+    // From the new path.
+    EXPECT_EQ(TOVARIN_FN(FileCopyByHandleA)(h, Narrow(dir / L"copy2.bin", CP_ACP).c_str()), 1);
     TOVARIN_FN(FileHardLinkByHandleW)(h, (dir / L"l\\hard.bin").c_str());
     EXPECT_EQ(ReadFileBytes(dir / L"copy.bin"), "source");
     EXPECT_EQ(ReadFileBytes(dir / L"copy2.bin"), "!!!!ce");
