@@ -143,16 +143,15 @@ unsigned __int64 WriteBlock(void* const handle, const void* buffer, const unsign
     return WithFile(handle, [&](Utils::FileHdd& file, void* h) { return file.WriteHeld(h, buffer, count); });
 }
 
-Slice CheckedSlice(const Utils::Error::Site& site, void* const handle, const void* array,
-                   const size_t elementSize, const unsigned __int64 size, const unsigned __int64 start,
-                   const unsigned __int64 count, const wchar_t* noArray) {
-    Slice slice = {PtrCFile(handle), 0};
-    slice.count = Utils::Checking::CountDirect(site, size, start, count);
+unsigned __int64 CheckedCount(const Utils::Error::Site& site, const void* array, const size_t elementSize,
+                              const unsigned __int64 size, const unsigned __int64 start,
+                              const unsigned __int64 count, const wchar_t* noArray) {
+    const unsigned __int64 n = Utils::Checking::CountDirect(site, size, start, count);
     if (array == nullptr)
         TOVARIN_THROW_AT(site, "[f]", false, noArray);
-    if (slice.count > ~0ull / elementSize)
+    if (n > ~0ull / elementSize)
         TOVARIN_THROW_AT(site, "[f]", false, kTooLarge);
-    return slice;
+    return n;
 }
 
 // ---- Path operations ---------------------------------------------------------------------------

@@ -96,16 +96,13 @@ wchar_t* ReadStringW(void* const handle, const unsigned __int64 size);
 
 // ---- Typed arrays -----------------------------------------------------------------------------
 
-// What the checks of an array transfer leave: the file, looked up first, and the number of elements.
-struct Slice {
-    FilePtr file;
-    unsigned __int64 count;
-};
-// Looks the handle up, then checks the slice (its texts name `site`), the array pointer (refused
-// with `noArray`) and that the slice's bytes fit the address space.
-Slice CheckedSlice(const Utils::Error::Site& site, void* const handle, const void* array,
-                   const size_t elementSize, const unsigned __int64 size, const unsigned __int64 start,
-                   const unsigned __int64 count, const wchar_t* noArray);
+// The checks of an array transfer, which need no file: the slice (its texts name `site`), the array
+// pointer (refused with `noArray`) and that the slice's bytes fit the address space. Returns the
+// number of elements. The typed arrays check before they look the handle up, so that a bad slice
+// is reported even for a bad handle; the string arrays look the handle up first.
+unsigned __int64 CheckedCount(const Utils::Error::Site& site, const void* array, const size_t elementSize,
+                              const unsigned __int64 size, const unsigned __int64 start,
+                              const unsigned __int64 count, const wchar_t* noArray);
 extern const wchar_t kNoArray[];
 
 // One transfer of the slice, under the object's lock.
@@ -113,18 +110,20 @@ template <class T>
 unsigned __int64 WriteArray(const Utils::Error::Site& site, void* const handle, const T* array,
                             const unsigned __int64 size, const unsigned __int64 start,
                             const unsigned __int64 count) {
-    const Slice slice = CheckedSlice(site, handle, array, sizeof(T), size, start, count, kNoArray);
-    Guard guard(slice.file->Lock());
-    return slice.file->WriteHeld(slice.file->Handle(), array + start, slice.count * sizeof(T)) / sizeof(T);
+    const unsigned __int64 n = CheckedCount(site, array, sizeof(T), size, start, count, kNoArray);
+    return WithFile(handle, [&](Utils::FileHdd& file, void* h) {
+        return file.WriteHeld(h, array + start, n * sizeof(T)) / sizeof(T);
+    });
 }
 
 template <class T>
 unsigned __int64 ReadArray(const Utils::Error::Site& site, void* const handle, T* array,
                            const unsigned __int64 size, const unsigned __int64 start,
                            const unsigned __int64 count) {
-    const Slice slice = CheckedSlice(site, handle, array, sizeof(T), size, start, count, kNoArray);
-    Guard guard(slice.file->Lock());
-    return slice.file->ReadHeld(slice.file->Handle(), array + start, slice.count * sizeof(T)) / sizeof(T);
+    const unsigned __int64 n = CheckedCount(site, array, sizeof(T), size, start, count, kNoArray);
+    return WithFile(handle, [&](Utils::FileHdd& file, void* h) {
+        return file.ReadHeld(h, array + start, n * sizeof(T)) / sizeof(T);
+    });
 }
 
 // ---- String arrays: lines of text ended by CR LF (StringArrays.cpp) ----------------------------

@@ -16,6 +16,8 @@ namespace Project {
 
 namespace {
 
+// The glue's texts name this file and the lines of its calls, although the shared checks they
+// call stand in Project.cpp.
 const char kWriteByHandleW[] =
     "unsigned __int64 __cdecl Project::WriteStrArrayByHandleW(void *const ,const wchar_t "
     "**,const unsigned __int64,const unsigned __int64,unsigned __int64)";
@@ -115,8 +117,9 @@ template <class Item>
 unsigned __int64 WriteByHandle(const char* signature, void* const handle, const Item* array,
                                const unsigned __int64 size, const unsigned __int64 start,
                                const unsigned __int64 count) {
-    const Slice slice = CheckedSlice(TOVARIN_SITE(signature), handle, array, 1, size, start, count, kNoLines);
-    return WriteStrArrayByPtr(Hand(slice.file), array, size, start, slice.count);
+    const FilePtr file = PtrCFile(handle);
+    const unsigned __int64 n = CheckedCount(TOVARIN_SITE(signature), array, 1, size, start, count, kNoLines);
+    return WriteStrArrayByPtr(Hand(file), array, size, start, n);
 }
 
 // ---- Reading ----
@@ -130,6 +133,7 @@ size_t ReadRest(Utils::FileHdd& file, void* const handle, std::unique_ptr<Char[]
     const unsigned __int64 total = file._Size64(handle);
     const unsigned __int64 position =
         static_cast<unsigned __int64>(file._SetPointer(handle, FILE_CURRENT, 0));
+    // A pointer at or past the end reads nothing: no line, a result of 0 and no box.
     const unsigned __int64 k = position < total ? (total - position) / sizeof(Char) : 0;
     if (k != 0) {
         text.reset(new Char[static_cast<size_t>(k)]());
@@ -202,9 +206,10 @@ template <class Char, class Item>
 unsigned __int64 ReadByHandle(void* const handle, Item* array, const unsigned __int64 size,
                               const unsigned __int64 capacity, const unsigned __int64 start,
                               const unsigned __int64 count) {
-    const Slice slice =
-        CheckedSlice(TOVARIN_SITE(kReadByHandle), handle, array, 1, size, start, count, kNoLines);
-    return ReadStrArrayByPtr<Char>(Hand(slice.file), array, size, capacity, start, slice.count);
+    const FilePtr file = PtrCFile(handle);
+    const unsigned __int64 n =
+        CheckedCount(TOVARIN_SITE(kReadByHandle), array, 1, size, start, count, kNoLines);
+    return ReadStrArrayByPtr<Char>(Hand(file), array, size, capacity, start, n);
 }
 
 } // namespace

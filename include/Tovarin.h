@@ -82,7 +82,9 @@ extern "C" {
 
 /* Open and create.
  * (path, access, share): access and share mode as CreateFileW takes them, or TOVARIN_DEFAULT
- * for read and write access shared for reading and writing. Missing folders are created.
+ * for read and write access shared for reading and writing. The path must be absolute (a
+ * drive letter, a colon and a backslash, or two backslashes, first); missing folders are
+ * created.
  * Result: the file's handle for every later call; null on failure. */
 /* Creates the file, replacing an existing one. */
 TOVARIN_API void* __cdecl FileCreateAlwaysA(const char* path, const unsigned long access,
@@ -116,7 +118,7 @@ TOVARIN_API void* __cdecl FileOpenTruncateW(const wchar_t* path, const unsigned 
 TOVARIN_API void __cdecl FileClear(void* const handle);
 /* Closes the file; the handle is unknown to every function afterwards. */
 TOVARIN_API void __cdecl FileCloseHandle(void* const handle);
-/* Closes the file and deletes it. */
+/* Closes the file and deletes it for good: nothing goes to the Recycle Bin. */
 TOVARIN_API void __cdecl FileDeleteByHandle(void* const handle);
 /* Writes the file's buffers to disk. */
 TOVARIN_API void __cdecl FileFlushApply(void* const handle);
@@ -344,21 +346,25 @@ TOVARIN_API unsigned __int64 __cdecl FileReadStrArrayMW(void* const handle, Tova
                                                         const unsigned __int64 count);
 
 /* Path operations by name.
+ * Every path but the check's must be absolute (a drive letter, a colon and a backslash, or
+ * two backslashes, first), and copy, move and delete take no wildcards: anything else is
+ * refused before any system call. A symbolic link's target may be relative: the system
+ * resolves it from the link's folder.
  * Result: 1 on success, 0 on failure; the void link functions report a failure only by
  * the message box. */
 /* 1 when the path names an existing file (wildcards allowed); 0 for a folder or a missing path. */
 TOVARIN_API int __cdecl FileCheckA(const char* path);
 TOVARIN_API int __cdecl FileCheckW(const wchar_t* path);
-/* Copies a file, silently; missing folders of the target are created. */
+/* Copies a file, or a folder whole, silently; missing folders of the target are created. */
 TOVARIN_API int __cdecl FileCopyA(const char* from, const char* to);
 TOVARIN_API int __cdecl FileCopyW(const wchar_t* from, const wchar_t* to);
-/* Deletes a file, silently. */
+/* Deletes a file, or a folder whole, silently and for good: nothing goes to the Recycle Bin. */
 TOVARIN_API int __cdecl FileDeleteA(const char* path);
 TOVARIN_API int __cdecl FileDeleteW(const wchar_t* path);
 /* Makes link a hard link to the file path; both on one drive. */
 TOVARIN_API void __cdecl FileHardLinkA(const char* path, const char* link);
 TOVARIN_API void __cdecl FileHardLinkW(const wchar_t* path, const wchar_t* link);
-/* Moves or renames a file, silently. */
+/* Moves or renames a file, or a folder whole, silently. */
 TOVARIN_API int __cdecl FileMoveA(const char* from, const char* to);
 TOVARIN_API int __cdecl FileMoveW(const wchar_t* from, const wchar_t* to);
 /* Makes link a symbolic link to path. */
@@ -377,6 +383,8 @@ TOVARIN_API unsigned __int64 __cdecl FileCompletedW(const wchar_t* path, const u
                                                     const unsigned __int64 reserved5);
 
 /* Path operations on an open file.
+ * The target or link must be absolute (a drive letter, a colon and a backslash, or two
+ * backslashes, first), without wildcards.
  * Result: 1 on success, 0 on failure; the void link functions report a failure only by
  * the message box. */
 /* Copies the open file to another path. */

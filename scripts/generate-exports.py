@@ -27,7 +27,9 @@ Family = namedtuple("Family", "key title comment")
 FAMILIES = [
     Family("Open", "Open and create",
            ["(path, access, share): access and share mode as CreateFileW takes them, or TOVARIN_DEFAULT",
-            "for read and write access shared for reading and writing. Missing folders are created.",
+            "for read and write access shared for reading and writing. The path must be absolute (a",
+            "drive letter, a colon and a backslash, or two backslashes, first); missing folders are",
+            "created.",
             "Result: the file's handle for every later call; null on failure."]),
     Family("Handle", "Whole-file operations on an open handle",
            ["The void functions report a failure only by the message box."]),
@@ -49,10 +51,16 @@ FAMILIES = [
             "rest of the file and leaves the pointer at its end; lines beyond count are lost.",
             "Result: the number of strings handled; TOVARIN_FAILED_COUNT on failure."]),
     Family("Path", "Path operations by name",
-           ["Result: 1 on success, 0 on failure; the void link functions report a failure only by",
+           ["Every path but the check's must be absolute (a drive letter, a colon and a backslash, or",
+            "two backslashes, first), and copy, move and delete take no wildcards: anything else is",
+            "refused before any system call. A symbolic link's target may be relative: the system",
+            "resolves it from the link's folder.",
+            "Result: 1 on success, 0 on failure; the void link functions report a failure only by",
             "the message box."]),
     Family("PathByHandle", "Path operations on an open file",
-           ["Result: 1 on success, 0 on failure; the void link functions report a failure only by",
+           ["The target or link must be absolute (a drive letter, a colon and a backslash, or two",
+            "backslashes, first), without wildcards.",
+            "Result: 1 on success, 0 on failure; the void link functions report a failure only by",
             "the message box."]),
 ]
 FAMILY_KEYS = [f.key for f in FAMILIES]
@@ -87,11 +95,13 @@ def pair(stem, result, params, neutral, family, comment):
 pair("FileCheck", "int", "const {ch} *path", "0", "Path",
      "1 when the path names an existing file (wildcards allowed); 0 for a folder or a missing path.")
 pair("FileCopy", "int", "const {ch} *from, const {ch} *to", "0", "Path",
-     "Copies a file, silently; missing folders of the target are created.")
-pair("FileDelete", "int", "const {ch} *path", "0", "Path", "Deletes a file, silently.")
+     "Copies a file, or a folder whole, silently; missing folders of the target are created.")
+pair("FileDelete", "int", "const {ch} *path", "0", "Path",
+     "Deletes a file, or a folder whole, silently and for good: nothing goes to the Recycle Bin.")
 pair("FileHardLink", "void", "const {ch} *path, const {ch} *link", "none", "Path",
      "Makes link a hard link to the file path; both on one drive.")
-pair("FileMove", "int", "const {ch} *from, const {ch} *to", "0", "Path", "Moves or renames a file, silently.")
+pair("FileMove", "int", "const {ch} *from, const {ch} *to", "0", "Path",
+     "Moves or renames a file, or a folder whole, silently.")
 pair("FileSymbolicLink", "int", "const {ch} *path, const {ch} *link", "0", "Path",
      "Makes link a symbolic link to path.")
 one("FileClear", "void", "void *const handle", "none", "Handle",
@@ -100,7 +110,8 @@ one("FileCloseHandle", "void", "void *const handle", "none", "Handle",
     "Closes the file; the handle is unknown to every function afterwards.")
 pair("FileCopyByHandle", "int", "void *const handle, const {ch} *to", "0", "PathByHandle",
      "Copies the open file to another path.")
-one("FileDeleteByHandle", "void", "void *const handle", "none", "Handle", "Closes the file and deletes it.")
+one("FileDeleteByHandle", "void", "void *const handle", "none", "Handle",
+    "Closes the file and deletes it for good: nothing goes to the Recycle Bin.")
 one("FileFlushApply", "void", "void *const handle", "none", "Handle", "Writes the file's buffers to disk.")
 one("FileGetSize", "unsigned __int64", "void *const handle", "0", "Handle",
     "The size in bytes, deliberately the low 32 bits sign-extended (wrong from 2 GiB on); 0 on failure.")

@@ -25,25 +25,51 @@ SystemCalls& Sys() {
     return calls;
 }
 
-bool IsDriveFolder(const std::wstring& folder) {
-    const size_t at = folder.rfind(L"\\\\?\\", 0) == 0 ? 4 : 0;
-    if (folder.size() < at + 3 || folder[at + 1] != L':' || folder[at + 2] != L'\\')
+namespace {
+
+// "X:\" at `at`.
+bool IsDriveRoot(const std::wstring& path, const size_t at) {
+    if (path.size() < at + 3 || path[at + 1] != L':' || path[at + 2] != L'\\')
         return false;
-    const wchar_t drive = folder[at];
+    const wchar_t drive = path[at];
     return (drive >= L'A' && drive <= L'Z') || (drive >= L'a' && drive <= L'z');
 }
 
-bool CreateFolder(const std::wstring& folder) {
-    // The shell would find an existing absolute folder on a drive and report it as existing; every
-    // other folder goes to the shell, which refuses a relative one (".", "..", "name") with 161,
-    // whether or not it happens to exist under the current folder.
-    if (IsDriveFolder(folder)) {
-        const DWORD attributes = ::GetFileAttributesW(folder.c_str());
-        if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-            return true;
+// The path rules, then an absolute path, for the paths that have no folder step: those of copy,
+// move and delete, and the source of a hard link. Refused in the caller's name, before any system call.
+void CheckAbsolutePath(const Error::Site& site, const std::wstring& path) {
+    String::Path::Has(path);
+    if (!IsAbsolutePath(path))
+        TOVARIN_THROW_AT(site, "[f]", false, L"Путь не абсолютный:\r\n\"" + path + L"\"");
+}
+
+} // namespace
+
+bool IsAbsolutePath(const std::wstring& path) {
+    return path.rfind(L"\\\\", 0) == 0 || IsDriveRoot(path, 0);
+}
+
+bool IsDriveFolder(const std::wstring& folder) {
+    return IsDriveRoot(folder, folder.rfind(L"\\\\?\\", 0) == 0 ? 4 : 0);
+}
+
+FolderStep CreateFolder(const std::wstring& path) {
+    FolderStep step = {String::Path::TrimNameFileCW(path, 0), false};
+    // No path that is not absolute reaches the shell: it refuses a plain relative folder (".",
+    // "..", "name") with 161, but takes a drive-relative ("X:name") or root-relative ("\name") one
+    // and makes it against the current folder.
+    if (!IsAbsolutePath(path))
+        return step;
+    // The shell would find an existing absolute folder on a drive and report it as existing.
+    if (IsDriveFolder(step.folder)) {
+        const DWORD attributes = ::GetFileAttributesW(step.folder.c_str());
+        step.made = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        if (step.made)
+            return step;
     }
-    const int result = ::SHCreateDirectoryExW(nullptr, folder.c_str(), nullptr);
-    return result == ERROR_SUCCESS || result == ERROR_FILE_EXISTS || result == ERROR_ALREADY_EXISTS;
+    const int result = ::SHCreateDirectoryExW(nullptr, step.folder.c_str(), nullptr);
+    step.made = result == ERROR_SUCCESS || result == ERROR_FILE_EXISTS || result == ERROR_ALREADY_EXISTS;
+    return step;
 }
 
 namespace MainFile {
@@ -68,6 +94,9 @@ bool FileOperation(const std::wstring& from, const std::wstring& to, const unsig
             L"Неверно выбран параметр выбора операции.\r\nwFunc = " + std::to_wstring(wFunc);
         TOVARIN_THROW(kFileOperation, false, text);
     }
+    CheckAbsolutePath(TOVARIN_SITE(kFileOperation), from);
+    if (wFunc != FO_DELETE)
+        CheckAbsolutePath(TOVARIN_SITE(kFileOperation), to);
     return Sys().fileOperation(&operation) == 0 && !operation.fAnyOperationsAborted;
 }
 
@@ -77,9 +106,13 @@ bool DeletePath(const std::wstring& path) {
 
 bool SymbolicLink(const std::wstring& link, const std::wstring& target, const bool) {
     String::Path::Has(link);
-    const std::wstring folder = String::Path::TrimNameFileCW(link, 0);
-    if (!CreateFolder(folder))
-        TOVARIN_THROW(kSymbolicLink, false, L"Не создан для символьной ссылки каталог:\n\"" + folder + L"\"");
+    // The target is not resolved here: a relative target is the system's to resolve, from the
+    // link's folder, whenever the link is followed.
+    const FolderStep step = CreateFolder(link);
+    if (!step.made) {
+        const std::wstring text = L"Не создан для символьной ссылки каталог:\n\"" + step.folder + L"\"";
+        TOVARIN_THROW(kSymbolicLink, false, text);
+    }
     return Sys().createSymbolicLink(link.c_str(), target.c_str(), 0) != 0;
 }
 
@@ -88,18 +121,19 @@ bool SymbolicLink(const std::wstring& link, const std::wstring& target, const bo
 namespace File {
 
 void HardLink(const std::wstring& source, const std::wstring& link) {
-    String::Path::Has(source);
+    CheckAbsolutePath(TOVARIN_SITE(kHardLink), source);
     String::Path::Has(link);
-    // One drive, told by the first characters, compared exactly: "c:\a" and "C:\b" differ.
-    if (source.empty() || link.empty() || source[0] != link[0]) {
+    // One drive, told by the first characters, compared exactly: "c:\a" and "C:\b" differ. A link
+    // that is not absolute names no drive: the folder step refuses it.
+    if (IsAbsolutePath(link) && source[0] != link[0]) {
         const std::wstring text = L"Жёсткая ссылка на файл может создаваться только в пределах одного "
                                   L"логического диска.\r\nИсходный файл:\r\n\"" +
                                   source + L"\"\r\nЖёсткая ссылка на файл:\r\n\"" + link + L"\"";
         TOVARIN_THROW(kHardLink, false, text);
     }
-    const std::wstring folder = String::Path::TrimNameFileCW(link, 0);
-    if (!CreateFolder(folder))
-        TOVARIN_THROW(kHardLink, false, L"Для жёсткой ссылки не создан каталог:\r\n\"" + folder + L"\"");
+    const FolderStep step = CreateFolder(link);
+    if (!step.made)
+        TOVARIN_THROW(kHardLink, false, L"Для жёсткой ссылки не создан каталог:\r\n\"" + step.folder + L"\"");
     ::SetLastError(0);
     if (Sys().createHardLink(link.c_str(), source.c_str(), nullptr))
         return;

@@ -120,20 +120,20 @@ void FileHdd::Init(const std::wstring& path, void* const handle, const bool clos
 void* FileHdd::_Create(const std::wstring& path, const unsigned long disposition) {
     Guard guard(lock_);
     String::Path::Has(path);
-    const std::wstring folder = String::Path::TrimNameFileCW(path, 0);
     // The folder step matters only when the file cannot be opened without it. In a folder on a
     // drive the file is tried first: a file that opens proves its folder is there, so the folder
     // step would have found it and changed nothing; an attempt that fails changes nothing either,
     // and the steps then run in their order.
-    if (IsDriveFolder(folder)) {
+    if (IsDriveFolder(String::Path::TrimNameFileCW(path, 0))) {
         ::SetLastError(0);
         HANDLE handle = Sys().createFile(path.c_str(), access_, share_, nullptr, disposition, flags_,
                                          static_cast<HANDLE>(templateFile_));
         if (handle != INVALID_HANDLE_VALUE && handle != nullptr)
             return handle;
     }
-    if (!CreateFolder(folder))
-        TOVARIN_THROW(kCreate, false, L"Для файла не создан каталог:\r\n\"" + folder + L"\"");
+    const FolderStep step = CreateFolder(path);
+    if (!step.made)
+        TOVARIN_THROW(kCreate, false, L"Для файла не создан каталог:\r\n\"" + step.folder + L"\"");
     ::SetLastError(0);
     HANDLE handle = Sys().createFile(path.c_str(), access_, share_, nullptr, disposition, flags_,
                                      static_cast<HANDLE>(templateFile_));
@@ -228,6 +228,7 @@ void FileHdd::CheckTransfer(bool write, void* const handle) const {
 
 void FileHdd::TransferFailed(bool write, void* const handle, const unsigned __int64 iteration,
                              const unsigned long length, const unsigned long done) {
+    // The text shows the failed call's own last error, not the one the position query leaves.
     const unsigned long lastError = ::GetLastError();
     __int64 pointer = -1;
     try {

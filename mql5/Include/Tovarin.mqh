@@ -34,7 +34,9 @@
 
 // Open and create.
 // (path, access, share): access and share mode as CreateFileW takes them, or TOVARIN_DEFAULT
-// for read and write access shared for reading and writing. Missing folders are created.
+// for read and write access shared for reading and writing. The path must be absolute (a
+// drive letter, a colon and a backslash, or two backslashes, first); missing folders are
+// created.
 // Result: the file's handle for every later call; null on failure.
 // Creates the file, replacing an existing one.
 long FileCreateAlwaysA(const uchar &path[], uint access, uint share);
@@ -58,7 +60,7 @@ long FileOpenTruncateW(string path, uint access, uint share);
 void FileClear(long handle);
 // Closes the file; the handle is unknown to every function afterwards.
 void FileCloseHandle(long handle);
-// Closes the file and deletes it.
+// Closes the file and deletes it for good: nothing goes to the Recycle Bin.
 void FileDeleteByHandle(long handle);
 // Writes the file's buffers to disk.
 void FileFlushApply(long handle);
@@ -190,21 +192,25 @@ ulong FileReadFloatArray(long handle, float &array[], ulong size, ulong start, u
 ulong FileReadDoubleArray(long handle, double &array[], ulong size, ulong start, ulong count);
 
 // Path operations by name.
+// Every path but the check's must be absolute (a drive letter, a colon and a backslash, or
+// two backslashes, first), and copy, move and delete take no wildcards: anything else is
+// refused before any system call. A symbolic link's target may be relative: the system
+// resolves it from the link's folder.
 // Result: 1 on success, 0 on failure; the void link functions report a failure only by
 // the message box.
 // 1 when the path names an existing file (wildcards allowed); 0 for a folder or a missing path.
 int FileCheckA(const uchar &path[]);
 int FileCheckW(string path);
-// Copies a file, silently; missing folders of the target are created.
+// Copies a file, or a folder whole, silently; missing folders of the target are created.
 int FileCopyA(const uchar &from[], const uchar &to[]);
 int FileCopyW(string from, string to);
-// Deletes a file, silently.
+// Deletes a file, or a folder whole, silently and for good: nothing goes to the Recycle Bin.
 int FileDeleteA(const uchar &path[]);
 int FileDeleteW(string path);
 // Makes link a hard link to the file path; both on one drive.
 void FileHardLinkA(const uchar &path[], const uchar &link[]);
 void FileHardLinkW(string path, string link);
-// Moves or renames a file, silently.
+// Moves or renames a file, or a folder whole, silently.
 int FileMoveA(const uchar &from[], const uchar &to[]);
 int FileMoveW(string from, string to);
 // Makes link a symbolic link to path.
@@ -215,6 +221,8 @@ ulong FileCompletedA(const uchar &path[], ushort access, int share, long reserve
 ulong FileCompletedW(string path, ushort access, int share, long reserved1, ushort reserved2, uint reserved3, long reserved4, ulong reserved5);
 
 // Path operations on an open file.
+// The target or link must be absolute (a drive letter, a colon and a backslash, or two
+// backslashes, first), without wildcards.
 // Result: 1 on success, 0 on failure; the void link functions report a failure only by
 // the message box.
 // Copies the open file to another path.

@@ -1,5 +1,6 @@
-// The handle exports: every one refuses an unknown and a closed handle, looks the handle up before
-// it looks at a count of 0; open and create by disposition; position, size, clear and resize.
+// The handle exports: every one refuses an unknown and a closed handle, after a bad slice of a typed
+// array and before a count of 0 of any other; open and create by disposition; position, size,
+// clear and resize.
 #include "support/Exports.h"
 
 #include <gtest/gtest.h>
@@ -22,41 +23,52 @@ protected:
     decltype(&::FileCloseHandle) close = TOVARIN_FN(FileCloseHandle);
 };
 
-// Every handle export refuses an unknown and a closed handle, whatever the count: the lookup comes
-// before a count of 0. With a known handle a text read of 0 is empty, a raw transfer of 0 moves
-// nothing, and an empty slice is refused.
-TEST_F(Handles, UnknownAndClosedHandlesAreRefusedBeforeACountOfZero) {
+// Every handle export refuses an unknown and a closed handle. The typed arrays check their slice
+// first, so a bad slice is reported whatever the handle; the others look the handle up before a
+// count of 0. With a known handle a text read of 0 is empty and a raw transfer of 0 moves nothing.
+TEST_F(Handles, BadHandlesAgainstBadSlices) {
     void* open = Create(L"open.bin"); // the registry is not empty
-    void* closed = Create(L"closed.bin");
+    void *closed = Create(L"closed.bin"), *unknown = reinterpret_cast<void*>(0x1234);
     close(closed);
     const std::string pathA = Narrow(dir / L"target.bin", CP_ACP);
     const std::wstring pathW = dir / L"target.bin";
     alignas(8) char buffer[256] = {};
+    const struct {
+        u64 size, start, count;
+        const wchar_t* text;
+    } slices[] = {{8, 0, 0, L"\r\nОтсутствует количество элементов."},
+                  {8, 8, 1, L"Номер стартового элемента больше или равен количеству всех элементов."},
+                  {0, 0, 1, L"\nКоличество всех элементов равно нулю."}};
     for (const ExportRow& row : Exports()) {
         if (!row.byHandle)
             continue;
         const std::string name = row.name;
-        for (void* handle : {reinterpret_cast<void*>(0x1234), closed, open}) {
-            SCOPED_TRACE(name + (handle == closed ? " closed" : handle == open ? " open" : " unknown"));
-            CallArgs args{handle, buffer, {pathA.c_str()}, {pathW.c_str()}, {10, 8, 0, 0}};
-            const bool text = name.rfind("FileReadString", 0) == 0,
-                       raw = name.find("Void") != std::string::npos;
-            if (handle != open) {
-                EXPECT_EQ(row.Call(args), row.neutral);
-                ExpectOneBox(boxes, name, {L"Project::PtrCFile", kUnknown});
-            } else if (text) {
-                const u64 result = row.Call(args);
-                ASSERT_NE(result, 0u);
-                EXPECT_EQ(*reinterpret_cast<const char*>(result), 0);
-                ExpectNoBox(boxes);
-            } else if (raw) {
-                EXPECT_EQ(row.Call(args), 0u);
-                ExpectNoBox(boxes);
-            } else if (name.find("Array") != std::string::npos) {
-                EXPECT_EQ(row.Call(args), row.neutral);
-                ExpectOneBox(boxes, name, {L"\r\nОтсутствует количество элементов."});
+        const bool typed =
+            name.find("Array") != std::string::npos && name.find("StrArray") == std::string::npos;
+        const bool text = name.rfind("FileReadString", 0) == 0, raw = name.find("Void") != std::string::npos;
+        for (void* handle : {unknown, closed, open})
+            for (size_t k = 0; k < (typed && handle == unknown ? 3 : 1); ++k) {
+                const auto& s = slices[k];
+                const char* kind = handle == closed ? " closed " : handle == open ? " open " : " unknown ";
+                SCOPED_TRACE(name + kind + Narrow(s.text));
+                const CallArgs args{
+                    handle, buffer, {pathA.c_str()}, {pathW.c_str()}, {10, s.size, s.start, s.count}};
+                if (typed || (handle == open && name.find("Array") != std::string::npos)) {
+                    EXPECT_EQ(row.Call(args), row.neutral);
+                    ExpectOneBox(boxes, name, {s.text});
+                } else if (handle != open) {
+                    EXPECT_EQ(row.Call(args), row.neutral);
+                    ExpectOneBox(boxes, name, {L"Project::PtrCFile", kUnknown});
+                } else if (text) {
+                    const u64 result = row.Call(args);
+                    ASSERT_NE(result, 0u);
+                    EXPECT_EQ(*reinterpret_cast<const char*>(result), 0);
+                    ExpectNoBox(boxes);
+                } else if (raw) {
+                    EXPECT_EQ(row.Call(args), 0u);
+                    ExpectNoBox(boxes);
+                }
             }
-        }
     }
     close(open);
     EXPECT_FALSE(FileExists(pathW));

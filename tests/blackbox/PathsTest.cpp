@@ -1,5 +1,5 @@
 // The path exports: check, copy, move, delete, hard and symbolic links by path and by handle, the
-// completed operation; null, empty, relative and rule-breaking paths.
+// completed operation; null, empty, rule-breaking and relative paths, refused before any system call.
 #include "support/Exports.h"
 
 #include <gtest/gtest.h>
@@ -20,6 +20,7 @@ TEST_F(Paths, CheckCopyMoveAndDelete) {
     EXPECT_EQ(TOVARIN_FN(FileCheckW)(src.c_str()), 1);
     EXPECT_EQ(TOVARIN_FN(FileCheckW)(dir.Path().c_str()), 0); // a folder
     EXPECT_EQ(TOVARIN_FN(FileCheckW)((dir / L"missing").c_str()), 0);
+    EXPECT_EQ(TOVARIN_FN(FileCheckW)((dir / L"s*.b?n").c_str()), 1); // the check takes wildcards
     // A copy leaves its source and replaces its target, making folders on the way.
     ASSERT_TRUE(WriteFileBytes(dir / L"old.bin", "older content"));
     EXPECT_EQ(TOVARIN_FN(FileCopyW)(src.c_str(), (dir / L"old.bin").c_str()), 1);
@@ -35,6 +36,11 @@ TEST_F(Paths, CheckCopyMoveAndDelete) {
     EXPECT_EQ(ReadFileBytes(dir / L"a\\m.bin"), "source");
     EXPECT_EQ(TOVARIN_FN(FileDeleteW)((dir / L"a\\m.bin").c_str()), 1);
     EXPECT_FALSE(FileExists(dir / L"a\\m.bin"));
+    // A folder is copied and deleted whole.
+    EXPECT_EQ(TOVARIN_FN(FileCopyW)((dir / L"a").c_str(), (dir / L"c").c_str()), 1);
+    EXPECT_EQ(TOVARIN_FN(FileDeleteW)((dir / L"a").c_str()), 1);
+    EXPECT_EQ(ReadFileBytes(dir / L"c\\b\\copy.bin"), "source");
+    EXPECT_FALSE(FileExists(dir / L"a"));
     // The shell fails silently: 0 and no box.
     EXPECT_EQ(TOVARIN_FN(FileDeleteW)((dir / L"a\\m.bin").c_str()), 0);
     ExpectNoBox(boxes);
@@ -89,19 +95,6 @@ TEST_F(Paths, HardLinksShareTheFileOnOneDriveOnly) {
     EXPECT_FALSE(FileExists(link));
 }
 
-// FileSymbolicLinkW(target, link). Wine's CreateSymbolicLinkW makes nothing and reports success;
-// Windows makes a link only for an account with the right to.
-TEST_F(Paths, SymbolicLinkReachesItsTarget) {
-    const std::wstring link = dir / L"s\\link.bin";
-    const int made = TOVARIN_FN(FileSymbolicLinkW)(src.c_str(), link.c_str());
-    ExpectNoBox(boxes);
-    if (!FileExists(link))
-        GTEST_SKIP() << "no link made: Wine's CreateSymbolicLinkW is a stub; Windows needs the right";
-    EXPECT_EQ(made, 1);
-    ASSERT_TRUE(WriteFileBytes(link, "through"));
-    EXPECT_EQ(ReadFileBytes(src), "through");
-}
-
 TEST_F(Paths, CompletedOperationAlwaysRefuses) {
     const std::wstring never = dir / L"never.bin";
     EXPECT_EQ(TOVARIN_FN(FileCompletedW)(never.c_str(), 2, -1, 0, 0, 0, nullptr, 0), 0u);
@@ -115,98 +108,85 @@ TEST_F(Paths, CompletedOperationAlwaysRefuses) {
     EXPECT_FALSE(FileExists(never));
 }
 
-// Every path argument null, and every target or link empty: refused before any system call, with
-// one box and the neutral result; nothing changes in the folder or in the current folder.
-TEST_F(Paths, NullPathsAndEmptyTargetsAreRefused) {
-    TempDir empty;
-    CurrentFolder current(empty.Path());
-    void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
-    const std::string srcA = Narrow(src, CP_ACP), toA = Narrow(dir / L"to.bin", CP_ACP);
-    const std::wstring to = dir / L"to.bin";
-    for (const ExportRow& row : Exports()) {
-        const std::string name = row.name;
-        if (row.texts == 0 || (row.byHandle && name.find("Write") != std::string::npos))
-            continue;
-        const bool target = name.find("Copy") != std::string::npos ||
-                            name.find("Move") != std::string::npos || name.find("Link") != std::string::npos;
-        for (int variant = 0; variant < row.texts + (target ? 1 : 0); ++variant) {
-            SCOPED_TRACE(name + " " + std::to_string(variant));
-            CallArgs args{h,
-                          nullptr,
-                          {srcA.c_str(), toA.c_str()},
-                          {src.c_str(), to.c_str()},
-                          {0, 0, TOVARIN_DEFAULT, TOVARIN_DEFAULT}};
-            if (row.texts == 1 && !row.byHandle) {
-                args.pathA[0] = toA.c_str(); // never the source: a delete would remove it
-                args.pathW[0] = to.c_str();
-            }
-            const int at = variant < row.texts ? variant : row.texts - 1;
-            args.pathA[at] = variant < row.texts ? nullptr : "";
-            args.pathW[at] = variant < row.texts ? nullptr : L"";
-            EXPECT_EQ(row.Call(args), row.neutral);
-            ExpectOneBox(boxes, name, {L"Отсутствует путь."});
-        }
-    }
-    TOVARIN_FN(FileCloseHandle)(h);
-    EXPECT_TRUE(current.Empty());
-    EXPECT_FALSE(FileExists(to));
-    EXPECT_EQ(ReadFileBytes(src), "source");
-}
-
-// Relative paths are refused by the folder step, whether their folder exists or not.
-TEST_F(Paths, RelativePathsAreRefused) {
+// Every path an export resolves, null, empty, breaking a rule or not absolute (plain, drive- or
+// root-relative), is refused before any system call with one box and the neutral result: by the
+// path rules, by the folder step of an open or a link, or by the copy, move or delete itself.
+// Nothing changes on disk or in the current folder. The check, which only looks, refuses nothing.
+TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
     TempDir cwd(dir.Path());
     CurrentFolder current(cwd.Path());
-    ASSERT_TRUE(WriteFileBytes(dir / L"up.bin", "up"));
-    ASSERT_TRUE(::CreateDirectoryW(L"rel", nullptr)); // existing or not, a relative folder is refused
-    const std::pair<const wchar_t*, const wchar_t*> cases[] = {{L"rel\\x.bin", L"rel"},
-                                                               {L"relnew\\x.bin", L"relnew"},
-                                                               {L"..\\up.bin", L".."},
-                                                               {L".\\here.bin", L"."}};
-    for (const auto& [path, folder] : cases) {
-        SCOPED_TRACE(Narrow(path));
-        EXPECT_EQ(TOVARIN_FN(FileCreateAlwaysW)(path, TOVARIN_DEFAULT, TOVARIN_DEFAULT), nullptr);
-        ExpectOneBox(boxes, "FileCreateAlwaysW",
-                     {std::wstring(L"Для файла не создан каталог:\r\n\"") + folder + L"\""});
+    void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
+    const std::wstring to = dir / L"to.bin", wild = dir / L"*.bin", blank = dir / L"x.bin ";
+    const std::string srcA = Narrow(src, CP_ACP), toA = Narrow(to, CP_ACP);
+    const auto refuse = [&](const ExportRow& row, int at, const wchar_t* path, const std::wstring& text) {
+        SCOPED_TRACE(std::string(row.name) + " " + std::to_string(at) + " " + (path ? Narrow(path) : "null"));
+        const std::string pathA = path ? Narrow(path, CP_ACP) : "";
+        CallArgs args{h,
+                      nullptr,
+                      {srcA.c_str(), toA.c_str()},
+                      {src.c_str(), to.c_str()},
+                      {0, 0, TOVARIN_DEFAULT, TOVARIN_DEFAULT}};
+        args.pathA[at] = path ? pathA.c_str() : nullptr;
+        args.pathW[at] = path;
+        EXPECT_EQ(row.Call(args), row.neutral);
+        ExpectOneBox(boxes, row.name, {text});
+    };
+    const std::pair<std::wstring, std::wstring> cases[] = {
+        {wild, L"Обнаружен запрещённый символ '*' в позиции " + std::to_wstring(dir.Path().size() + 1) +
+                   L" в пути:\n\"" + wild + L"\""},
+        {blank, L"Пробел в конце пути:\n\"" + blank + L"\""},
+        {L"C:\\con\\x.bin", L"Использовано зарезервированное в Windows имя \"nul\" с порядковым номером 2 в "
+                            L"пути:\n\"C:\\con\\x.bin\""},
+        {L"rel\\x.bin", L""},
+        {cwd.Path().substr(0, 2) + L"rel\\x.bin", L""},
+        {cwd.Path().substr(2) + L"\\rel\\x.bin", L""}};
+    for (const ExportRow& row : Exports()) {
+        const std::string name = row.name;
+        const auto has = [&](const char* part) { return name.find(part) != std::string::npos; };
+        if (row.texts == 0 || (row.byHandle && has("Write")))
+            continue;
+        for (int at = 0; at < row.texts; ++at) {
+            const bool target = at == row.texts - 1 && (has("Copy") || has("Move") || has("Link"));
+            refuse(row, at, nullptr, L"Отсутствует путь.");
+            if (target)
+                refuse(row, at, L"", L"Отсутствует путь.");
+            if (has("Check") || has("Completed") || (has("SymbolicLink") && !target))
+                continue;
+            for (const auto& [path, text] : cases) {
+                // A path that is not absolute: refused by the folder step of an open or a link.
+                const std::wstring folder = L"\"" + path.substr(0, path.size() - 6) + L"\"";
+                const std::wstring relative =
+                    has("Link") && target
+                        ? (has("Hard") ? L"Для жёсткой ссылки не создан каталог:\r\n" + folder
+                                       : L"Не создан для символьной ссылки каталог:\n" + folder)
+                    : has("Open") || has("Create") ? L"Для файла не создан каталог:\r\n" + folder
+                                                   : L"Путь не абсолютный:\r\n\"" + path + L"\"";
+                refuse(row, at, path.c_str(), text.empty() ? relative : text);
+            }
+        }
     }
-    TOVARIN_FN(FileHardLinkW)(L"..\\up.bin", L"..\\up-link.bin");
-    ExpectOneBox(boxes, "FileHardLinkW", {L"Для жёсткой ссылки не создан каталог:\r\n\"..\""});
-    EXPECT_EQ(TOVARIN_FN(FileSymbolicLinkW)(src.c_str(), L"rel\\link"), 0);
-    ExpectOneBox(boxes, "FileSymbolicLinkW", {L"Не создан для символьной ссылки каталог:\n\"rel\""});
-    EXPECT_FALSE(FileExists(cwd / L"rel\\x.bin") || FileExists(cwd / L"here.bin") ||
-                 FileExists(dir / L"up-link.bin"));
-    EXPECT_EQ(ReadFileBytes(dir / L"up.bin"), "up");
+    const std::wstring dot = dir / L"dot.", longPath = dir / std::wstring(260, L'n');
+    refuse(ExportOf("FileOpenAlwaysW"), 0, dot.c_str(), L"Пробел в конце пути:\n\"" + dot + L"\"");
+    refuse(ExportOf("FileOpenAlwaysW"), 0, longPath.c_str(),
+           L"Боле 255 символов в пути:\n\"" + longPath + L"\"");
+    TOVARIN_FN(FileCloseHandle)(h);
+    EXPECT_TRUE(current.Empty());
+    EXPECT_EQ(ReadFileBytes(src), "source");
+    EXPECT_FALSE(FileExists(to) || FileExists(blank));
 }
 
-TEST_F(Paths, PathRulesRefuseWithTheirTexts) {
-    struct Case {
-        const char* name;
-        std::wstring path, message;
-    };
-    const std::wstring longName(260, L'n');
-    const Case cases[] = {
-        {"FileOpenAlwaysW", dir / L"a|b.bin",
-         L"Обнаружен запрещённый символ '|' в позиции " + std::to_wstring(dir.Path().size() + 2) +
-             L" в пути:\n\"" + (dir / L"a|b.bin") + L"\""},
-        {"FileOpenAlwaysW", dir / L"dot.", L"Пробел в конце пути:\n\"" + (dir / L"dot.") + L"\""},
-        {"FileOpenAlwaysW", dir / longName, L"Боле 255 символов в пути:\n\"" + (dir / longName) + L"\""},
-        {"FileHardLinkByHandleW", L"C:\\con\\x.bin",
-         L"Использовано зарезервированное в Windows имя \"nul\" с порядковым номером 2 в "
-         L"пути:\n\"C:\\con\\x.bin\""},
-        {"FileSymbolicLinkW", dir / L"q?.bin", L"Обнаружен запрещённый символ '?'"},
-    };
-    void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        CallArgs args{
-            h, nullptr, {}, {src.c_str(), c.path.c_str()}, {0, 0, TOVARIN_DEFAULT, TOVARIN_DEFAULT}};
-        if (ExportOf(c.name).texts == 1)
-            args.pathW[0] = c.path.c_str();
-        EXPECT_EQ(ExportOf(c.name).Call(args), ExportOf(c.name).neutral);
-        ExpectOneBox(boxes, c.name,
-                     {L"Utils::String::Path::Has(", L"File: \"Utils.Strings.cpp\"\r\nLine: ", c.message});
-    }
-    TOVARIN_FN(FileCloseHandle)(h);
+// A relative target is not resolved against the current folder: the link points to it from its own.
+// Wine's CreateSymbolicLinkW makes nothing and reports success; Windows makes a link only for an
+// account with the right to.
+TEST_F(Paths, ASymbolicLinkTargetMayBeRelative) {
+    TempDir cwd(dir.Path());
+    CurrentFolder current(cwd.Path());
+    const int made = TOVARIN_FN(FileSymbolicLinkW)(L"src.bin", (dir / L"link.bin").c_str());
+    ExpectNoBox(boxes);
+    if (!FileExists(dir / L"link.bin"))
+        GTEST_SKIP() << "no link made: Wine's CreateSymbolicLinkW is a stub; Windows needs the right";
+    EXPECT_EQ(made, 1);
+    EXPECT_EQ(ReadFileBytes(dir / L"link.bin"), "source");
 }
 
 } // namespace
