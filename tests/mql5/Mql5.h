@@ -1,0 +1,215 @@
+#pragma once
+// MQL5's types and built-in functions, as far as the kit uses them, for the MQL5 that translate.py
+// turns into C++. Where MQL5 and C++ differ, this follows MQL5: strings are values, arrays know their
+// size and whether they are static, an index out of range is a critical error that stops the program
+// (here: throws Stop, which fails the test), ArrayResize returns -1 instead of throwing, and new
+// elements are not initialised (here: 0xA5 bytes, so that code which reads them first shows it).
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace mql {
+
+typedef std::int8_t mchar; // MQL5's char and long: the translator renames them
+typedef std::int64_t mlong;
+typedef std::uint8_t uchar;
+typedef std::uint16_t ushort;
+typedef std::uint32_t uint;
+typedef std::uint64_t ulong;
+typedef std::int64_t datetime;
+const int WHOLE_ARRAY = -1;
+const uint CP_ACP = 0, CP_UTF8 = 65001;
+
+struct Stop : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// UTF-16 text with value semantics; `+` with an integer appends its digits.
+struct string {
+    std::u16string text;
+    string(std::u16string s = u"") : text(std::move(s)) {}
+    string& operator+=(const string& s) { return text += s.text, *this; }
+    friend string operator+(string a, const string& b) { return a += b; }
+    template <class T, class = std::enable_if_t<std::is_integral_v<T>>>
+    friend string operator+(string a, T n) {
+        const std::string digits = std::is_signed_v<T> ? std::to_string(static_cast<long long>(n))
+                                                       : std::to_string(static_cast<unsigned long long>(n));
+        return a.text.append(digits.begin(), digits.end()), a;
+    }
+    friend bool operator==(const string& a, const string& b) { return a.text == b.text; }
+    friend bool operator!=(const string& a, const string& b) { return a.text != b.text; }
+};
+inline string operator""_s(const char16_t* s, std::size_t n) {
+    return std::u16string(s, n);
+}
+
+// The next ArrayResize calls succeed this many times, then one fails as if memory were short (-1:
+// none); the tests make memory short only so.
+inline int resizesBeforeFailure = -1;
+
+template <class T> T Unset() {
+    T value{};
+    if constexpr (std::is_arithmetic_v<T> && !std::is_same_v<T, bool>)
+        std::memset(&value, 0xA5, sizeof value);
+    return value;
+}
+
+// std::vector<bool> packs bits; an MQL5 bool array holds a byte per element, as the DLL reads it.
+struct Bool {
+    bool value;
+    Bool(bool v = false) : value(v) {}
+};
+
+// A dynamic array (T a[]) or a static one (T a[N]), and a `T &a[]` parameter bound to either.
+template <class T> struct Array {
+    std::vector<std::conditional_t<std::is_same_v<T, bool>, Bool, T>> items;
+    bool fixed = false;
+    static Array Static(int size, std::initializer_list<T> init) {
+        Array a{decltype(items)(init.begin(), init.end()), true};
+        a.items.resize(std::max<std::size_t>(size, init.size()), Unset<T>());
+        return a;
+    }
+    Array& operator=(const Array&) = delete; // MQL5 assigns no arrays: ArrayCopy copies them
+    int Size() const { return static_cast<int>(items.size()); }
+    T* Data() { return reinterpret_cast<T*>(items.data()); }
+    const T* Data() const { return reinterpret_cast<const T*>(items.data()); }
+    T& operator[](long long i) { return Data()[Checked(i)]; }
+    const T& operator[](long long i) const { return Data()[Checked(i)]; }
+    long long Checked(long long i) const {
+        if (i < 0 || i >= Size())
+            throw Stop("array out of range: index " + std::to_string(i) + " of " + std::to_string(Size()));
+        return i;
+    }
+};
+
+template <class T> int ArraySize(const Array<T>& a) {
+    return a.Size();
+}
+template <class T> void ArrayFree(Array<T>& a) {
+    if (!a.fixed)
+        decltype(a.items)().swap(a.items);
+}
+template <class T> int ArrayResize(Array<T>& a, int size, int reserve = 0) {
+    if (a.fixed || size < 0 || resizesBeforeFailure-- == 0)
+        return -1;
+    a.items.reserve(static_cast<std::size_t>(size) + std::max(reserve, 0));
+    a.items.resize(size, Unset<T>());
+    return size;
+}
+
+// The elements of a[start, start + count) before the first 0 (count -1: to the end).
+template <class T> std::vector<T> Slice(const Array<T>& a, int start, int count) {
+    const int end = count < 0 || count > a.Size() - start ? a.Size() : start + count;
+    std::vector<T> slice;
+    for (int i = std::max(start, 0); i < end && a.items[i] != 0; ++i)
+        slice.push_back(a.items[i]);
+    return slice;
+}
+inline int StringLen(const string& s) {
+    return static_cast<int>(s.text.size());
+}
+int StringToCharArray(const string& s, Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
+string CharArrayToString(const Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
+inline string ShortArrayToString(const Array<ushort>& a, int start = 0, int count = -1) {
+    const std::vector<ushort> units = Slice(a, start, count);
+    return std::u16string(units.begin(), units.end());
+}
+inline ushort StringGetCharacter(const string& s, int pos) {
+    return pos >= 0 && pos < StringLen(s) ? s.text[pos] : 0;
+}
+inline bool StringSetCharacter(string& s, int pos, ushort c) {
+    return pos >= 0 && pos < StringLen(s) && (s.text[pos] = c, true);
+}
+inline int StringReplace(string& s, const string& find, const string& by) {
+    int n = 0;
+    for (std::size_t at = 0; !find.text.empty() && (at = s.text.find(find.text, at)) != s.text.npos; ++n)
+        s.text.replace(at, find.text.size(), by.text), at += by.text.size();
+    return n;
+}
+
+// Print and PrintFormat (%d and %s) write to the journal, which the tests take.
+inline std::vector<std::u16string> journal;
+inline std::vector<std::u16string> TakeJournal() {
+    return std::move(journal);
+}
+template <class... A> void Print(const A&... parts) {
+    journal.push_back((u""_s + ... + parts).text);
+}
+template <class... A> void PrintFormat(string format, const A&... args) {
+    const auto next = [&format](const string& value) {
+        const auto at = format.text.find(u'%'), end = format.text.find_first_of(u"ds", at);
+        if (end != format.text.npos)
+            format.text.replace(at, end + 1 - at, value.text);
+    };
+    (next(u""_s + args), ...);
+    journal.push_back(format.text);
+}
+
+// Each prototype of `#import "Tovarin.dll"` calls the export of its name, passing what MQL5 passes:
+// a string as the address of its copy's characters, an array as the address of its first element.
+void* Bind(const char* name);
+template <class T> auto Abi(T& value) {
+    if constexpr (std::is_same_v<std::remove_const_t<T>, string>)
+        return reinterpret_cast<const wchar_t*>(value.text.c_str());
+    else if constexpr (std::is_arithmetic_v<T>)
+        return value;
+    else
+        return value.Data();
+}
+template <class R, class... A> R CallExport(void* proc, A... args) {
+    if constexpr (std::is_same_v<R, string>) {
+        const auto* text = reinterpret_cast<const char16_t*>(CallExport<const wchar_t*>(proc, args...));
+        return text == nullptr ? string() : string(text);
+    } else {
+        return reinterpret_cast<R (*)(A...)>(proc)(args...);
+    }
+}
+
+// Stand-ins for the terminal, the same on every run: the chart is EUR/USD H1 with 5000 bars of
+// made-up prices, DLL imports are allowed, no error is pending, the common data folder is a test's.
+enum ENUM_TIMEFRAMES { PERIOD_H1 };
+enum ENUM_TERMINAL_INFO_STRING { TERMINAL_COMMONDATA_PATH };
+enum ENUM_MQL_INFO_INTEGER { MQL_DLLS_ALLOWED };
+const string _Symbol = u"EUR/USD"_s;
+const ENUM_TIMEFRAMES _Period = PERIOD_H1;
+#pragma pack(push, 1)
+struct MqlRates {
+    datetime time;
+    double open, high, low, close;
+    mlong tick_volume;
+    int spread;
+    mlong real_volume;
+};
+#pragma pack(pop)
+static_assert(sizeof(MqlRates) == 60, "MQL5's layout");
+// Hourly bars from 2024-01-01 on, oldest first.
+inline int CopyRates(const string& symbol, ENUM_TIMEFRAMES, int start, int count, Array<MqlRates>& rates) {
+    count = std::min(count, 5000 - start);
+    if (symbol != _Symbol || start < 0 || count <= 0 || ArrayResize(rates, count) != count)
+        return -1;
+    for (int i = 0, bar = 5000 - start - count; i < count; ++i, ++bar) {
+        const double open = 1.1 + bar % 97 * 1e-4;
+        rates[i] = {1704067200 + 3600LL * bar, open,           open + 5e-4, open - 4e-4,
+                    open + bar % 5 * 1e-4,     100 + bar % 37, bar % 7,     1000LL * bar};
+    }
+    return count;
+}
+inline string CommonDataPath;
+inline string TerminalInfoString(ENUM_TERMINAL_INFO_STRING) {
+    return CommonDataPath;
+}
+inline int MQLInfoInteger(ENUM_MQL_INFO_INTEGER) {
+    return 1;
+}
+inline int GetLastError() {
+    return 0;
+}
+inline string EnumToString(ENUM_TIMEFRAMES) {
+    return u"PERIOD_H1"_s;
+}
+
+} // namespace mql
