@@ -99,7 +99,9 @@ TEST_F(Paths, HardLinksShareTheFileOnOneDriveOnly) {
 // move or delete itself. Nothing changes on disk or in the current folder. The check, which only looks,
 // refuses nothing.
 TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
-    CurrentFolder current(dir.Path());
+    const std::wstring cwd = dir / L"cwd";
+    ::CreateDirectoryW(cwd.c_str(), nullptr);
+    CurrentFolder current(cwd);
     ::CreateDirectoryW(L"rel", nullptr); // an existing relative folder is refused all the same
     void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
     const std::wstring to = dir / L"to.bin", wild = dir / L"*.bin";
@@ -122,8 +124,8 @@ TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
         {wild, L"Обнаружен запрещённый символ '*' в позиции " + std::to_wstring(dir.Path().size() + 1) +
                    L" в пути:\n\"" + wild + L"\""},
         {L"rel\\x.bin", L""},
-        {dir.Path().substr(0, 2) + L"new\\x.bin", L""},
-        {dir.Path().substr(2) + L"\\new\\x.bin", L""},
+        {cwd.substr(0, 2) + L"new\\x.bin", L""},
+        {cwd.substr(2) + L"\\new\\x.bin", L""},
         {L".\\x.bin", L""},
         {L"..\\x.bin", L""}};
     for (const ExportRow& row : Exports()) {
@@ -152,7 +154,7 @@ TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
         }
     }
     TOVARIN_FN(FileCloseHandle)(h);
-    for (const wchar_t* made : {L"new", L"rel\\x.bin", L"x.bin", L"..\\x.bin", L"to.bin"})
+    for (const wchar_t* made : {L"cwd\\new", L"cwd\\rel\\x.bin", L"cwd\\x.bin", L"x.bin", L"to.bin"})
         EXPECT_FALSE(FileExists(dir / made)) << Narrow(made);
     EXPECT_EQ(ReadFileBytes(src), "source");
 }

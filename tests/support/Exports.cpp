@@ -48,8 +48,7 @@ void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector
     EXPECT_EQ(shown[0].icon, icon);
     EXPECT_EQ(shown[0].text.find(Heading(name)), 0u) << Narrow(shown[0].text);
     for (const std::wstring& piece : pieces)
-        EXPECT_NE(shown[0].text.find(piece), std::wstring::npos) << Narrow(piece) << "\nnot in\n"
-                                                                 << Narrow(shown[0].text);
+        EXPECT_HAS(shown[0].text, piece) << "\nlacks\n" << Narrow(piece);
 }
 
 void ExpectNoBox(BoxRecorder& boxes) {
