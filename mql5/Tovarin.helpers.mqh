@@ -1,20 +1,21 @@
 // Appended as it stands to Include/Tovarin.mqh by scripts/generate-exports.py (this line is not).
 //+------------------------------------------------------------------+
 //| Text for the 8-bit (A) functions: the system code page with its  |
-//| terminating zero. Returns the bytes including the zero.          |
+//| terminating zero. Returns the bytes including the zero; 0 when   |
+//| they do not fit (a static array too short), with a line in the   |
+//| log and an empty text in the array, which every A function       |
+//| refuses.                                                         |
 //+------------------------------------------------------------------+
 int TovarinAnsi(const string text, uchar &ansi[])
   {
    ArrayFree(ansi);
    int n = StringToCharArray(text, ansi, 0, WHOLE_ARRAY, CP_ACP);
-   if(n <= 0 || ansi[n - 1] != 0)
-     {
-      n = MathMax(n, 0);
-      ArrayResize(ansi, n + 1);
-      ansi[n] = 0;
-      n++;
-     }
-   return n;
+   if(n > 0 && ansi[n - 1] == 0)
+      return(n);
+   if(ArraySize(ansi) > 0)
+      ansi[0] = 0;
+   Print("Tovarin: TovarinAnsi has no room for the text and its terminating zero: ", text);
+   return(0);
   }
 
 //+------------------------------------------------------------------+
@@ -26,8 +27,8 @@ int TovarinAnsi(const string text, uchar &ansi[])
 // code page for the A helpers; no count, header or byte-order mark. A reader takes the whole rest of
 // the file. Text after the last CR LF is not a line, and a lone CR or LF belongs to its line.
 // Results: the number of lines written or read; TOVARIN_FAILED_COUNT after a failure, which a
-// message box has explained. The readers need a file below 2 GiB (FileGetSize is right only there)
-// and refuse a larger one with a line in the log.
+// message box or a line in the log has explained. The readers need a file below 2 GiB and refuse a
+// larger one with a line in the log.
 
 // Writes every string of the array as one UTF-16LE line (as FileWriteStrArrayW does).
 ulong TovarinWriteLinesW(const long handle, const string &lines[])
@@ -60,53 +61,92 @@ ulong TovarinWriteLinesA(const long handle, const string &lines[])
    return((ulong)n);
   }
 
-// Bytes from the file pointer to the end of the file, or -1 after a failure.
+// Logs that an array could not be resized to count elements; false.
+bool TovarinNoMemory(const string what, const int count)
+  {
+   PrintFormat("Tovarin: %s: no memory for %d elements", what, count);
+   return(false);
+  }
+
+// The pointer's whole position, or -1 after a failure: a move by a negative distance returns all 64
+// bits of the new position, FileGetPointer, FileGetSize and the other moves only the low 32 from 4 GiB on.
+long TovarinPosition(const long handle)
+  {
+   return(FileSetPointerCurrent(handle, 1) < 0 ? -1 : FileSetPointerCurrent(handle, -1));
+  }
+
+// Moves the file pointer to position, 2 GiB at most per call; false after a failure.
+bool TovarinSeek(const long handle, const long position)
+  {
+   if(FileSetPointerBegin(handle, 0) < 0)
+      return(false);
+   for(long at = 0; at < position;)
+     {
+      int step = position - at > 0x7FFFFFFF ? 0x7FFFFFFF : (int)(position - at);
+      if(FileSetPointerCurrent(handle, step) < 0)
+         return(false);
+      at += step;
+     }
+   return(true);
+  }
+
+// Bytes from the file pointer to the end of the file (0 past the end), or -1 after a failure.
 long TovarinBytesLeft(const long handle)
   {
-   long pointer = FileGetPointer(handle);
-   ulong size = FileGetSize(handle);
-   if(pointer < 0)
+   long pointer = TovarinPosition(handle);
+   long size = pointer < 0 || FileSetPointerEnd(handle, 1) < 0 ? -1 : FileSetPointerCurrent(handle, -1);
+   if(size < 0 || !TovarinSeek(handle, pointer))
       return(-1);
-   if(size > 0x7FFFFFFF || (long)size < pointer)
+   if(size > 0x7FFFFFFF)
      {
       Print("Tovarin: a file of 2 GiB or more cannot be read as lines");
       return(-1);
      }
-   return((long)size - pointer);
+   return(size > pointer ? size - pointer : 0);
   }
 
-// Adds text[begin .. begin + length - 1] to lines (an empty line for length 0).
-void TovarinAddLineW(string &lines[], const int index, const ushort &text[], const int begin, const int length)
+// Adds text[begin .. begin + length - 1] to lines (an empty line for length 0); false when lines
+// cannot grow.
+bool TovarinAddLineW(string &lines[], const int index, const ushort &text[], const int begin, const int length)
   {
-   ArrayResize(lines, index + 1, 1024);
+   if(ArrayResize(lines, index + 1, 1024) != index + 1)
+      return(TovarinNoMemory("TovarinReadLinesW", index + 1));
    lines[index] = length > 0 ? ShortArrayToString(text, begin, length) : "";
+   return(true);
   }
 
-void TovarinAddLineA(string &lines[], const int index, const uchar &text[], const int begin, const int length)
+bool TovarinAddLineA(string &lines[], const int index, const uchar &text[], const int begin, const int length)
   {
-   ArrayResize(lines, index + 1, 1024);
+   if(ArrayResize(lines, index + 1, 1024) != index + 1)
+      return(TovarinNoMemory("TovarinReadLinesA", index + 1));
    lines[index] = length > 0 ? CharArrayToString(text, begin, length, CP_ACP) : "";
+   return(true);
   }
 
 // Reads the rest of the file as UTF-16LE lines into lines (resized to their number), as
 // FileReadStrArrayW does, and leaves the pointer at the end of the file.
 ulong TovarinReadLinesW(const long handle, string &lines[])
   {
-   ArrayResize(lines, 0);
+   ArrayFree(lines);
    long left = TovarinBytesLeft(handle);
    if(left < 0)
       return(TOVARIN_FAILED_COUNT);
    int length = (int)(left / 2);
    ushort text[];
-   if(length > 0 && (ArrayResize(text, length) != length
-                     || FileReadUShortArray(handle, text, (ulong)length, 0, (ulong)length) != (ulong)length))
+   if(length > 0 && ArrayResize(text, length) != length)
+     {
+      TovarinNoMemory("TovarinReadLinesW", length);
+      return(TOVARIN_FAILED_COUNT);
+     }
+   if(length > 0 && FileReadUShortArray(handle, text, (ulong)length, 0, (ulong)length) != (ulong)length)
       return(TOVARIN_FAILED_COUNT);
    int count = 0;
    int begin = 0;
    for(int i = 0; i + 1 < length; i++)
       if(text[i] == 13 && text[i + 1] == 10)
         {
-         TovarinAddLineW(lines, count++, text, begin, i - begin);
+         if(!TovarinAddLineW(lines, count++, text, begin, i - begin))
+            return(TOVARIN_FAILED_COUNT);
          begin = i + 2;
          i++;
         }
@@ -117,21 +157,26 @@ ulong TovarinReadLinesW(const long handle, string &lines[])
 // number), as FileReadStrArrayA does, and leaves the pointer at the end of the file.
 ulong TovarinReadLinesA(const long handle, string &lines[])
   {
-   ArrayResize(lines, 0);
+   ArrayFree(lines);
    long left = TovarinBytesLeft(handle);
    if(left < 0)
       return(TOVARIN_FAILED_COUNT);
    int length = (int)left;
    uchar text[];
-   if(length > 0 && (ArrayResize(text, length) != length
-                     || FileReadVoid(handle, text, (ulong)length) != (ulong)length))
+   if(length > 0 && ArrayResize(text, length) != length)
+     {
+      TovarinNoMemory("TovarinReadLinesA", length);
+      return(TOVARIN_FAILED_COUNT);
+     }
+   if(length > 0 && FileReadVoid(handle, text, (ulong)length) != (ulong)length)
       return(TOVARIN_FAILED_COUNT);
    int count = 0;
    int begin = 0;
    for(int i = 0; i + 1 < length; i++)
       if(text[i] == 13 && text[i + 1] == 10)
         {
-         TovarinAddLineA(lines, count++, text, begin, i - begin);
+         if(!TovarinAddLineA(lines, count++, text, begin, i - begin))
+            return(TOVARIN_FAILED_COUNT);
          begin = i + 2;
          i++;
         }
@@ -150,7 +195,9 @@ bool TovarinReadStringA(const long handle, const ulong size, string &text)
      }
    int n = (int)size;
    uchar bytes[];
-   if(n > 0 && (ArrayResize(bytes, n) != n || FileReadVoid(handle, bytes, size) != size))
+   if(n > 0 && ArrayResize(bytes, n) != n)
+      return(TovarinNoMemory("TovarinReadStringA", n));
+   if(n > 0 && FileReadVoid(handle, bytes, size) != size)
       return(false);
    while(n > 0 && (bytes[n - 1] == 0 || bytes[n - 1] == 32 || bytes[n - 1] == 10 || bytes[n - 1] == 13
                    || bytes[n - 1] == 9))
