@@ -22,6 +22,8 @@ int TovarinAnsi(const string text, uchar &ansi[])
 //| String arrays as CR LF lines and 8-bit text, in plain MQL5.      |
 //| They write and read the same bytes as the library's string-array |
 //| functions (TovarinRaw.mqh), through the functions above only.    |
+//| For text files of other programs (UTF-8, LF line ends, a last    |
+//| line without line end) use CTovarinFile of TovarinFile.mqh.      |
 //+------------------------------------------------------------------+
 // A line is its characters followed by CR LF: UTF-16LE for the W helpers, 8-bit text in the system
 // code page for the A helpers; no count, header or byte-order mark. A reader takes the whole rest of
@@ -82,7 +84,7 @@ bool TovarinSeek(const long handle, const long position)
       return(false);
    for(long at = 0; at < position;)
      {
-      int step = position - at > 0x7FFFFFFF ? 0x7FFFFFFF : (int)(position - at);
+      int step = position - at > INT_MAX ? INT_MAX : (int)(position - at);
       if(FileSetPointerCurrent(handle, step) < 0)
          return(false);
       at += step;
@@ -97,7 +99,7 @@ long TovarinBytesLeft(const long handle)
    long size = pointer < 0 || FileSetPointerEnd(handle, 1) < 0 ? -1 : FileSetPointerCurrent(handle, -1);
    if(size < 0 || !TovarinSeek(handle, pointer))
       return(-1);
-   if(size > 0x7FFFFFFF)
+   if(size > INT_MAX)
      {
       Print("Tovarin: a file of 2 GiB or more cannot be read as lines");
       return(-1);
@@ -183,27 +185,58 @@ ulong TovarinReadLinesA(const long handle, string &lines[])
    return((ulong)count);
   }
 
+// Trailing characters that FileReadStringA/W drop: zeros, spaces, tabs, CR and LF.
+bool TovarinIsTrimmed(const int c)
+  {
+   return(c == 0 || c == 32 || c == 10 || c == 13 || c == 9);
+  }
+
+// Refuses a text read of size characters that MQL5's arrays cannot hold; true when it fits.
+bool TovarinTextFits(const string what, const ulong size)
+  {
+   if(size <= INT_MAX)
+      return(true);
+   PrintFormat("Tovarin: %s reads less than 2 GiB at once", what);
+   return(false);
+  }
+
 // Reads size bytes of 8-bit text in the system code page into text, less trailing zeros, spaces,
 // tabs, CR and LF, as FileReadStringA does. false after a failure (text is then empty).
 bool TovarinReadStringA(const long handle, const ulong size, string &text)
   {
    text = "";
-   if(size > 0x7FFFFFFF)
-     {
-      Print("Tovarin: TovarinReadStringA reads less than 2 GiB at once");
+   if(!TovarinTextFits("TovarinReadStringA", size))
       return(false);
-     }
    int n = (int)size;
    uchar bytes[];
    if(n > 0 && ArrayResize(bytes, n) != n)
       return(TovarinNoMemory("TovarinReadStringA", n));
    if(n > 0 && FileReadVoid(handle, bytes, size) != size)
       return(false);
-   while(n > 0 && (bytes[n - 1] == 0 || bytes[n - 1] == 32 || bytes[n - 1] == 10 || bytes[n - 1] == 13
-                   || bytes[n - 1] == 9))
+   while(n > 0 && TovarinIsTrimmed(bytes[n - 1]))
       n--;
    if(n > 0)
       text = CharArrayToString(bytes, 0, n, CP_ACP);
+   return(true);
+  }
+
+// Reads size UTF-16LE characters into text, less the same trailing characters, as FileReadStringW
+// does but without its buffer shared by every program of the terminal. false after a failure.
+bool TovarinReadStringW(const long handle, const ulong size, string &text)
+  {
+   text = "";
+   if(!TovarinTextFits("TovarinReadStringW", size))
+      return(false);
+   int n = (int)size;
+   ushort units[];
+   if(n > 0 && ArrayResize(units, n) != n)
+      return(TovarinNoMemory("TovarinReadStringW", n));
+   if(n > 0 && FileReadUShortArray(handle, units, size, 0, size) != size)
+      return(false);
+   while(n > 0 && TovarinIsTrimmed(units[n - 1]))
+      n--;
+   if(n > 0)
+      text = ShortArrayToString(units, 0, n);
    return(true);
   }
 //+------------------------------------------------------------------+

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Checks the release zip: exactly the kit's files, laid out as a terminal's data folder (MQL5/...)
-plus c/ and README.txt, each the same bytes as the file it was made from.
+plus c/ and README.txt, each the same bytes as the file it was made from (README.txt with CR LF line
+ends, for Notepad, whatever the line ends of the checkout).
 
     scripts/check-dist.py ZIP DLL IMPORT_LIBRARY      # from the source folder
 """
@@ -24,8 +25,11 @@ def main(zip_path, dll, import_library):
         problems += ["not part of the kit: " + n for n in sorted(names - set(sources))]
         for name in sorted(names & set(sources)):
             with open(sources[name], "rb") as f:
-                if archive.read(name) != f.read():
-                    problems.append("differs from %s: %s" % (sources[name], name))
+                expected = f.read()
+            if name.endswith(".txt"):
+                expected = expected.replace(b"\r\n", b"\n").replace(b"\n", b"\r\n")
+            if archive.read(name) != expected:
+                problems.append("differs from %s: %s" % (sources[name], name))
     for problem in problems:
         print(problem)
     print("%s: %d files, %s" % (os.path.basename(zip_path), len(names), "not as expected" if problems else "as expected"))

@@ -24,7 +24,9 @@ typedef std::uint32_t uint;
 typedef std::uint64_t ulong;
 typedef std::int64_t datetime;
 
-const int WHOLE_ARRAY = -1;
+const int WHOLE_ARRAY = -1, INT_MAX = 0x7FFFFFFF;
+const uint UINT_MAX = 0xFFFFFFFFu;
+const ulong ULONG_MAX = ~0ull;
 const uint CP_ACP = 0, CP_UTF8 = 65001;
 
 // A critical error: MQL5 stops the program at once.
