@@ -13,6 +13,7 @@ import zipfile
 def main(zip_path, dll, import_library):
     sources = {"MQL5/Libraries/Tovarin.dll": dll,
                "MQL5/Include/Tovarin.mqh": "mql5/Include/Tovarin.mqh",
+               "MQL5/Include/TovarinFile.mqh": "mql5/Include/TovarinFile.mqh",
                "MQL5/Include/TovarinRaw.mqh": "mql5/Include/TovarinRaw.mqh",
                "MQL5/Scripts/TovarinExample.mq5": "mql5/Scripts/TovarinExample.mq5",
                "c/Tovarin.h": "include/Tovarin.h",

@@ -275,37 +275,6 @@ int TovarinAnsi(const string text, uchar &ansi[])
 // message box or a line in the log has explained. The readers need a file below 2 GiB and refuse a
 // larger one with a line in the log.
 
-// Writes every string of the array as one UTF-16LE line (as FileWriteStrArrayW does).
-ulong TovarinWriteLinesW(const long handle, const string &lines[])
-  {
-   int n = ArraySize(lines);
-   for(int i = 0; i < n; i++)
-      if(FileWriteStringW(handle, lines[i]) < 0 || FileWriteStringW(handle, "\r\n") < 0)
-         return(TOVARIN_FAILED_COUNT);
-   return((ulong)n);
-  }
-
-// Writes every string of the array as one 8-bit line in the system code page (as
-// FileWriteStrArrayA does with the same text).
-ulong TovarinWriteLinesA(const long handle, const string &lines[])
-  {
-   uchar lineEnd[2] = {13, 10};
-   uchar bytes[];
-   int n = ArraySize(lines);
-   for(int i = 0; i < n; i++)
-     {
-      int copied = StringToCharArray(lines[i], bytes, 0, WHOLE_ARRAY, CP_ACP);
-      int length = 0;
-      while(length < copied && bytes[length] != 0)
-         length++;
-      if(length > 0 && FileWriteVoid(handle, bytes, (ulong)length) != (ulong)length)
-         return(TOVARIN_FAILED_COUNT);
-      if(FileWriteVoid(handle, lineEnd, 2) != 2)
-         return(TOVARIN_FAILED_COUNT);
-     }
-   return((ulong)n);
-  }
-
 // Logs that an array could not be resized to count elements; false.
 bool TovarinNoMemory(const string what, const int count)
   {
@@ -335,40 +304,80 @@ bool TovarinSeek(const long handle, const long position)
    return(true);
   }
 
+// The file's size at any size (FileGetSize keeps the low 32 bits only), with the pointer's position
+// in pointer, where the pointer is left; -1 after a failure.
+long TovarinSize(const long handle, long &pointer)
+  {
+   pointer = TovarinPosition(handle);
+   long size = pointer < 0 || FileSetPointerEnd(handle, 1) < 0 ? -1 : FileSetPointerCurrent(handle, -1);
+   return(size >= 0 && TovarinSeek(handle, pointer) ? size : -1);
+  }
+
 // Bytes from the file pointer to the end of the file (0 past the end), or -1 after a failure.
 long TovarinBytesLeft(const long handle)
   {
-   long pointer = TovarinPosition(handle);
-   long size = pointer < 0 || FileSetPointerEnd(handle, 1) < 0 ? -1 : FileSetPointerCurrent(handle, -1);
-   if(size < 0 || !TovarinSeek(handle, pointer))
-      return(-1);
+   long pointer;
+   long size = TovarinSize(handle, pointer);
    if(size > INT_MAX)
      {
       Print("Tovarin: a file of 2 GiB or more cannot be read as lines");
       return(-1);
      }
-   return(size > pointer ? size - pointer : 0);
+   return(size < 0 ? -1 : size > pointer ? size - pointer : 0);
   }
 
-// Adds text[begin .. begin + length - 1] to lines (an empty line for length 0); false when lines
-// cannot grow.
-bool TovarinAddLineW(string &lines[], const int index, const ushort &text[], const int begin, const int length)
+// Writers collect lines and hand them to the DLL in one call per this many bytes, whole lines only.
+#define TOVARIN_LINES_BATCH 1048576
+
+// Writes every string of the array as one UTF-16LE line (as FileWriteStrArrayW does).
+ulong TovarinWriteLinesW(const long handle, const string &lines[])
   {
-   if(ArrayResize(lines, index + 1, 1024) != index + 1)
-      return(TovarinNoMemory("TovarinReadLinesW", index + 1));
-   lines[index] = length > 0 ? ShortArrayToString(text, begin, length) : "";
-   return(true);
+   ushort units[];
+   int n = ArraySize(lines), used = 0;
+   for(int i = 0; i < n; i++)
+     {
+      int length = StringLen(lines[i]) + 2;
+      if(ArraySize(units) < used + length && ArrayResize(units, 2 * (used + length)) < 0)
+        {
+         TovarinNoMemory("TovarinWriteLinesW", 2 * (used + length));
+         return(TOVARIN_FAILED_COUNT);
+        }
+      used += StringToShortArray(lines[i] + "\r\n", units, used, length);
+      if((used >= TOVARIN_LINES_BATCH / 2 || i == n - 1)
+         && FileWriteUShortArray(handle, units, ArraySize(units), 0, used) != (ulong)used)
+         return(TOVARIN_FAILED_COUNT);
+      used = used >= TOVARIN_LINES_BATCH / 2 ? 0 : used;
+     }
+   return((ulong)n);
   }
 
-bool TovarinAddLineA(string &lines[], const int index, const uchar &text[], const int begin, const int length)
+// Writes every string of the array as one 8-bit line in the system code page (as
+// FileWriteStrArrayA does with the same text): up to its first zero, if it has one.
+ulong TovarinWriteLinesA(const long handle, const string &lines[])
   {
-   if(ArrayResize(lines, index + 1, 1024) != index + 1)
-      return(TovarinNoMemory("TovarinReadLinesA", index + 1));
-   lines[index] = length > 0 ? CharArrayToString(text, begin, length, CP_ACP) : "";
-   return(true);
+   uchar bytes[];
+   int n = ArraySize(lines), used = 0;
+   for(int i = 0; i < n; i++)
+     {
+      int length = 2 * StringLen(lines[i]) + 2;
+      if(ArraySize(bytes) < used + length && ArrayResize(bytes, 2 * (used + length)) < 0)
+        {
+         TovarinNoMemory("TovarinWriteLinesA", 2 * (used + length));
+         return(TOVARIN_FAILED_COUNT);
+        }
+      int end = used + StringToCharArray(lines[i], bytes, used, StringLen(lines[i]), CP_ACP);
+      while(used < end && bytes[used] != 0)
+         used++;
+      bytes[used++] = 13;
+      bytes[used++] = 10;
+      if((used >= TOVARIN_LINES_BATCH || i == n - 1) && FileWriteVoid(handle, bytes, (ulong)used) != (ulong)used)
+         return(TOVARIN_FAILED_COUNT);
+      used = used >= TOVARIN_LINES_BATCH ? 0 : used;
+     }
+   return((ulong)n);
   }
 
-// Reads the rest of the file as UTF-16LE lines into lines (resized to their number), as
+// Reads the rest of the file as UTF-16LE lines into lines (resized once to their number), as
 // FileReadStrArrayW does, and leaves the pointer at the end of the file.
 ulong TovarinReadLinesW(const long handle, string &lines[])
   {
@@ -386,20 +395,29 @@ ulong TovarinReadLinesW(const long handle, string &lines[])
    if(length > 0 && FileReadUShortArray(handle, text, (ulong)length, 0, (ulong)length) != (ulong)length)
       return(TOVARIN_FAILED_COUNT);
    int count = 0;
-   int begin = 0;
    for(int i = 0; i + 1 < length; i++)
       if(text[i] == 13 && text[i + 1] == 10)
         {
-         if(!TovarinAddLineW(lines, count++, text, begin, i - begin))
-            return(TOVARIN_FAILED_COUNT);
+         count++;
+         i++;
+        }
+   if(ArrayResize(lines, count) != count)
+     {
+      TovarinNoMemory("TovarinReadLinesW", count);
+      return(TOVARIN_FAILED_COUNT);
+     }
+   for(int i = 0, k = 0, begin = 0; k < count; i++)
+      if(text[i] == 13 && text[i + 1] == 10)
+        {
+         lines[k++] = i > begin ? ShortArrayToString(text, begin, i - begin) : "";
          begin = i + 2;
          i++;
         }
    return((ulong)count);
   }
 
-// Reads the rest of the file as 8-bit lines in the system code page into lines (resized to their
-// number), as FileReadStrArrayA does, and leaves the pointer at the end of the file.
+// Reads the rest of the file as 8-bit lines in the system code page into lines (resized once to
+// their number), as FileReadStrArrayA does, and leaves the pointer at the end of the file.
 ulong TovarinReadLinesA(const long handle, string &lines[])
   {
    ArrayFree(lines);
@@ -416,12 +434,21 @@ ulong TovarinReadLinesA(const long handle, string &lines[])
    if(length > 0 && FileReadVoid(handle, text, (ulong)length) != (ulong)length)
       return(TOVARIN_FAILED_COUNT);
    int count = 0;
-   int begin = 0;
    for(int i = 0; i + 1 < length; i++)
       if(text[i] == 13 && text[i + 1] == 10)
         {
-         if(!TovarinAddLineA(lines, count++, text, begin, i - begin))
-            return(TOVARIN_FAILED_COUNT);
+         count++;
+         i++;
+        }
+   if(ArrayResize(lines, count) != count)
+     {
+      TovarinNoMemory("TovarinReadLinesA", count);
+      return(TOVARIN_FAILED_COUNT);
+     }
+   for(int i = 0, k = 0, begin = 0; k < count; i++)
+      if(text[i] == 13 && text[i + 1] == 10)
+        {
+         lines[k++] = i > begin ? CharArrayToString(text, begin, i - begin, CP_ACP) : "";
          begin = i + 2;
          i++;
         }

@@ -115,7 +115,7 @@ TEST(Kit, EachFailureIsExplainedOnce) {
     } kFailures[] = {
         {[&] { return mql::TovarinReadLinesW(bad, lines); }, ~0ull, L"FileSetPointerCurrent", nullptr},
         {[&] { return mql::TovarinReadLinesA(bad, lines); }, ~0ull, L"FileSetPointerCurrent", nullptr},
-        {[&] { return mql::TovarinWriteLinesW(bad, one); }, ~0ull, L"FileWriteStringW", nullptr},
+        {[&] { return mql::TovarinWriteLinesW(bad, one); }, ~0ull, L"FileWriteUShortArray", nullptr},
         {[&] { return mql::TovarinWriteLinesA(bad, one); }, ~0ull, L"FileWriteVoid", nullptr},
         {[&] { return +mql::TovarinReadStringA(bad, 4, text); }, 0, L"FileReadVoid", nullptr},
         {[&] { return mql::TovarinReadLinesW(sized((4ull << 30) + 6), lines); }, ~0ull, nullptr, u"2 GiB"},
@@ -183,7 +183,7 @@ TEST(Kit, ExampleExportsBarsAndHandsOverACopy) {
         example::OnStart();
         EXPECT_EQ(TakeJournal(), run.journal);
     }
-    EXPECT_TRUE(boxes.Boxes().empty());
+    EXPECT_TRUE(boxes.Boxes().empty()) << (boxes.Boxes().empty() ? "" : Narrow(boxes.Boxes()[0].text));
     // The copy of the first run, as a reader of the documented layout sees it.
     Array<mql::MqlRates> r;
     ASSERT_EQ(mql::CopyRates(mql::_Symbol, mql::_Period, 0, 1000, r), 1000);

@@ -6,6 +6,7 @@
 // than throwing, and new elements are not initialised (here: filled with 0xA5 bytes, so that code
 // which reads them before writing them shows it).
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
@@ -24,9 +25,9 @@ typedef std::uint32_t uint;
 typedef std::uint64_t ulong;
 typedef std::int64_t datetime;
 
-const int WHOLE_ARRAY = -1, INT_MAX = 0x7FFFFFFF;
-const uint UINT_MAX = 0xFFFFFFFFu;
-const ulong ULONG_MAX = ~0ull;
+const int WHOLE_ARRAY = -1, INVALID_HANDLE = -1;
+// INT_MAX and UINT_MAX are C's, with MQL5's values; C's ULONG_MAX has 32 bits on Windows, MQL5's 64.
+const ulong ULONG_MAX_ = ~0ull;
 const uint CP_ACP = 0, CP_UTF8 = 65001;
 
 // A critical error: MQL5 stops the program at once.
@@ -79,7 +80,7 @@ template <class T> struct Array {
     bool fixed = false;
     static Array Static(int size, std::initializer_list<T> init) {
         Array a;
-        a.items.assign(init);
+        a.items.assign(init.begin(), init.end());
         a.items.resize(std::max<std::size_t>(size, init.size()), Unset<T>());
         a.fixed = true;
         return a;
@@ -115,6 +116,10 @@ template <class T> int ArrayResize(Array<T>& a, int size, int reserve = 0) {
 }
 
 int StringLen(const string& s);
+int StringFind(const string& s, const string& what, int start = 0);
+string StringSubstr(const string& s, int start, int length = -1);
+int StringSplit(const string& s, ushort separator, Array<string>& parts);
+int StringToShortArray(const string& s, Array<ushort>& a, int start = 0, int count = -1);
 int StringToCharArray(const string& s, Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
 string CharArrayToString(const Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
 string ShortArrayToString(const Array<ushort>& a, int start = 0, int count = -1);
@@ -142,11 +147,16 @@ inline const wchar_t* Abi(const string& s) { return reinterpret_cast<const wchar
 template <class T> T* Abi(Array<T>& a) { return a.Data(); }
 template <class T> const T* Abi(const Array<T>& a) { return a.Data(); }
 template <class T, class = std::enable_if_t<std::is_arithmetic_v<T>>> T Abi(T value) { return value; }
+inline long long& DllCalls() { // every call of an import, for tests that count them
+    static long long n = 0;
+    return n;
+}
 template <class R, class... A> R CallExport(void* proc, A... args) {
     if constexpr (std::is_same_v<R, string>) {
         const auto* text = reinterpret_cast<const char16_t*>(CallExport<const wchar_t*>(proc, args...));
         return text == nullptr ? string() : string(text);
     } else {
+        ++DllCalls();
         return reinterpret_cast<R (*)(A...)>(proc)(args...);
     }
 }
@@ -166,8 +176,18 @@ struct MqlRates {
     int spread;
     mlong real_volume;
 };
+struct MqlTick {
+    datetime time;
+    double bid, ask, last;
+    ulong volume;
+    mlong time_msc;
+    uint flags;
+    double volume_real;
+};
 #pragma pack(pop)
-static_assert(sizeof(MqlRates) == 60, "MQL5's layout");
+static_assert(sizeof(MqlRates) == 60 && sizeof(MqlTick) == 60, "MQL5's layouts");
+const int FILE_READ = 1, FILE_WRITE = 2, FILE_SHARE_READ = 128, FILE_SHARE_WRITE = 256;
+enum ENUM_FILE_POSITION { SEEK_SET_ = 7, SEEK_CUR_, SEEK_END_ }; // values unknown to MQL5's reference
 int CopyRates(const string& symbol, ENUM_TIMEFRAMES period, int start, int count, Array<MqlRates>& rates);
 string& CommonDataPath();
 inline string TerminalInfoString(ENUM_TERMINAL_INFO_STRING) { return CommonDataPath(); }

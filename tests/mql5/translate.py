@@ -17,15 +17,17 @@ TOKEN = re.compile(r"""(?P<directive>^[ \t]*\#[^\n]*) | (?P<space>\s+) | (?P<com
     """, re.M | re.X)
 NUMBER = re.compile(r"0[xX][0-9A-Fa-f]+|\d+(\.\d*)?([eE][-+]?\d+)?")
 SCALARS = set("bool char uchar short ushort int uint long ulong float double datetime".split())
-RENAMED = {"char": "mchar", "long": "mlong"}  # C++ has them with other sizes
+RENAMED = {"char": "mchar", "long": "mlong", "ULONG_MAX": "ULONG_MAX_",
+           "SEEK_SET": "SEEK_SET_", "SEEK_CUR": "SEEK_CUR_", "SEEK_END": "SEEK_END_"}  # C++ has them with other sizes
 KEYWORDS = set("if else for while do return break continue struct class public private protected const "
                "void true false input".split())
 BUILTINS = set("ArrayResize ArraySize ArrayFree StringLen StringToCharArray CharArrayToString ShortArrayToString "
                "StringGetCharacter StringSetCharacter StringReplace Print PrintFormat CopyRates TerminalInfoString "
-               "MQLInfoInteger GetLastError EnumToString".split())
+               "MQLInfoInteger GetLastError EnumToString StringFind StringSubstr StringSplit StringToShortArray "
+               "sizeof".split())
 CPP_ONLY = set("alignas alignof asm auto case catch char16_t char32_t const_cast constexpr decltype default delete "
                "dynamic_cast enum explicit export extern friend goto inline mutable namespace new noexcept nullptr "
-               "operator register reinterpret_cast signed sizeof static static_assert static_cast switch template "
+               "operator register reinterpret_cast signed static static_assert static_cast switch template "
                "this throw try typedef typeid typename union unsigned using virtual volatile wchar_t and or not xor bitand "
                "bitor compl thread_local concept requires".split())
 
@@ -37,7 +39,8 @@ class Refused(Exception):
 class Translator:
     def __init__(self, out_dir, include_dir):
         self.out_dir, self.include_dir = out_dir, include_dir
-        self.types = SCALARS | {"string", "void", "MqlRates"}
+        self.types = SCALARS | {"string", "void", "MqlRates", "MqlTick", "ENUM_FILE_POSITION"}
+        self.structs = {"MqlRates", "MqlTick"}  # simple structures, which may cross to the DLL
         self.functions = set(BUILTINS)
         self.done = set()
 
@@ -68,6 +71,7 @@ class Translator:
         at = {i: k for k, i in enumerate(sig)}
         word = lambda k: toks[sig[k]][1] if 0 <= k < len(sig) else ""  # k-th significant token's text
         self.types |= set(re.findall(r"\b(?:struct|class)\s+(\w+)", text))
+        self.structs |= set(re.findall(r"\bstruct\s+(\w+)", text))
         self.functions |= {word(k + 1) for k in range(len(sig)) if word(k) in self.types | {"~"}
                            and word(k + 2) == "("}
         program = path.endswith(".mq5")
@@ -103,6 +107,8 @@ class Translator:
                     refuse(line, "'%s' is neither declared here nor a built-in function of the subset" % tok)
                 if tok in self.types and tok != "void":
                     self.declaration(toks, sig, k, word, out, refuse)
+                if tok in self.types and depth == 0 and word(k + 2) == "(":
+                    out[i] = "inline " + out[i]  # an include file may reach several test sources
             elif tok in "{}":
                 depth += 1 if tok == "{" else -1
             elif tok == ";" and importing and depth == 0:
@@ -152,7 +158,7 @@ class Translator:
             p = p[1:] if p[:1] == ["const"] else p
             if len(p) == 2 and p[0] in SCALARS | {"string"}:
                 args.append("Abi(%s)" % p[1])
-            elif p[:2] in ([t, "&"] for t in SCALARS) and (len(p) == 3 or p[3:] == ["[", "]"]):
+            elif p[:2] in ([t, "&"] for t in SCALARS | self.structs) and (len(p) == 3 or p[3:] == ["[", "]"]):
                 args.append(("Abi(%s)" if len(p) == 5 else "&%s") % p[2])
             else:
                 refuse(line, "'%s' cannot be passed to a DLL within the subset" % " ".join(p))
