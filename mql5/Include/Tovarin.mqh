@@ -282,8 +282,9 @@ bool TovarinNoMemory(const string what, const int count)
    return(false);
   }
 
-// The pointer's whole position, or -1 after a failure: a move by a negative distance returns all 64
-// bits of the new position, FileGetPointer, FileGetSize and the other moves only the low 32 from 4 GiB on.
+// The pointer's whole position, or -1 after a failure. A move by a negative distance returns all 64
+// bits of the new position; from 4 GiB on, FileGetPointer, FileGetSize and forward moves give the low
+// 32 under Wine and fail on Windows (their box then explains the failure).
 long TovarinPosition(const long handle)
   {
    return(FileSetPointerCurrent(handle, 1) < 0 ? -1 : FileSetPointerCurrent(handle, -1));

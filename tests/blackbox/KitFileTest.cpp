@@ -1,4 +1,4 @@
-// CTovarinFile, the path check and TovarinReadStringW of the kit (TovarinFile.mqh, Tovarin.mqh),
+// CTovarinFile and the path check of the kit (TovarinFile.mqh),
 // translated to C++ by tests/mql5/translate.py and run against the built DLL.
 #include "TovarinFile.mqh.h"
 
@@ -24,10 +24,10 @@ mql::string Text(const std::wstring& s) { return std::u16string(s.begin(), s.end
 // What a test sees of a kit call: boxes, journal lines and DLL calls made since the last look.
 struct Watch {
     BoxRecorder boxes;
-    long long calls = mql::DllCalls();
+    long long calls = mql::dllCalls;
     std::tuple<size_t, size_t, long long> Take() {
-        const auto seen = std::make_tuple(boxes.Boxes().size(), mql::Journal().size(), mql::DllCalls() - calls);
-        boxes.Clear(), mql::Journal().clear(), calls = mql::DllCalls();
+        const auto seen = std::make_tuple(boxes.Boxes().size(), mql::journal.size(), mql::dllCalls - calls);
+        boxes.Clear(), mql::journal.clear(), calls = mql::dllCalls;
         return seen;
     }
 };
@@ -278,30 +278,6 @@ TEST(KitFile, PathCheckAgreesWithTheLibrary) {
         EXPECT_EQ(why.empty(), !refused);
         boxes.Clear();
     }
-}
-
-// TovarinReadStringW: size characters less trailing zeros and blanks, in the caller's own string.
-TEST(KitFile, ReadStringWTrimsAsTheExport) {
-    BoxRecorder boxes;
-    TempDir dir;
-    const mql::mlong file = mql::FileCreateAlwaysW(Text(dir / L"w.txt"), ~0u, ~0u);
-    for (const auto& [content, text] : {std::pair<std::u16string, std::u16string>{std::u16string(u"\u00e9 b \t\r\n\0", 8), u"\u00e9 b"},
-                                        {u"   ", u""}, {u"x", u"x"}}) {
-        const std::u16string raw = content + u"!";
-        Array<mql::uchar> bytes;
-        bytes.items.assign(reinterpret_cast<const char*>(raw.data()), reinterpret_cast<const char*>(raw.data() + raw.size()));
-        mql::FileClear(file);
-        mql::FileWriteVoid(file, bytes, bytes.items.size());
-        mql::FileSetPointerBegin(file, 0);
-        mql::string read = u"old"_s;
-        EXPECT_TRUE(mql::TovarinReadStringW(file, content.size(), read));
-        EXPECT_EQ(read.text, text);
-        EXPECT_EQ(mql::FileGetPointer(file), mql::mlong(2 * content.size()));
-    }
-    mql::string read;
-    EXPECT_FALSE(mql::TovarinReadStringW(file, 5, read)); // past the end: the DLL's one box
-    mql::FileCloseHandle(file);
-    EXPECT_EQ(boxes.Boxes().size(), 1u);
 }
 
 } // namespace

@@ -1,28 +1,17 @@
 // Where MQL5's rules differ from C++'s, as the kit's code meets them; KitTest runs each function.
-string CopiedString()
+// Strings are values; a new dynamic array is empty; ArrayResize refuses a static array with -1;
+// narrowing keeps the low bits and a double converts to an integer by truncation.
+string Values(const int value, const double real)
   {
    string a = "x";
    string b = a;
    b += "y";
-   return(a + " " + b);
-  }
-
-// A new dynamic array is empty; a static one keeps its size and ArrayResize refuses it with -1.
-string ResizedArrays()
-  {
    int fixed[3];
    int dynamic[];
-   string sizes = "" + ArraySize(dynamic);
-   int resized = ArrayResize(dynamic, 5, 100);
-   return(sizes + " " + resized + " " + ArrayResize(fixed, 5) + " " + ArraySize(fixed));
-  }
-
-// Narrowing keeps the low bits; a double converts to an integer by truncation.
-string Narrowed(const int value, const double real)
-  {
-   char c = (char)value;
-   uchar u = (uchar)value;
-   return("" + c + " " + u + " " + (int)real);
+   string sizes = " " + ArraySize(dynamic);
+   sizes = sizes + " " + ArrayResize(dynamic, 5, 100);
+   sizes = sizes + " " + ArrayResize(fixed, 5) + " " + ArraySize(fixed);
+   return(a + b + sizes + " " + (char)value + " " + (uchar)value + " " + (int)real);
   }
 
 string Utf8RoundTrip(const string text)
