@@ -214,7 +214,7 @@ public:
      {
       long pointer = 0;
       long from = !Ready() ? -1 : origin == SEEK_CUR ? TovarinPosition(m_handle) : origin == SEEK_END ? TovarinSize(m_handle, pointer) : 0;
-      return(from >= 0 && TovarinSeek(m_handle, from + offset < 0 ? 0 : from + offset));
+      return(from >= 0 && TovarinSeek(m_handle, from + offset)); // before the start: to it
      }
    void              Flush(void) { if(Ready()) FileFlushApply(m_handle); }
 
