@@ -1,6 +1,9 @@
-// CTovarinFile and the path check of the kit (TovarinFile.mqh),
+// CTovarinFile, the path check (TovarinFile.mqh) and the examples that use them,
 // translated to C++ by tests/mql5/translate.py and run against the built DLL.
 #include "TovarinFile.mqh.h"
+#include "TovarinRecords.mq5.h"
+#include "TovarinSignalFollower.mq5.h"
+#include "TovarinSignalWriter.mq5.h"
 
 const int kShared = mql::FILE_SHARE_READ | mql::FILE_SHARE_WRITE; // before <windows.h> has macros of these names
 
@@ -278,6 +281,55 @@ TEST(KitFile, PathCheckAgreesWithTheLibrary) {
         EXPECT_EQ(why.empty(), !refused);
         boxes.Clear();
     }
+}
+
+// The signal writer and its follower run side by side: the follower prints every line the writer
+// completes, once, in order, and nothing before the file exists; a bad path stops OnInit quietly.
+TEST(KitExamples, FollowerPrintsWhatTheWriterWrites) {
+    namespace writer = mql::TovarinSignalWriter;
+    namespace follower = mql::TovarinSignalFollower;
+    Watch watch;
+    TempDir dir;
+    mql::CommonDataPath = Text(dir.Path());
+    writer::InpPath = u"D:signals.csv"_s;
+    EXPECT_EQ(writer::OnInit(), mql::INIT_PARAMETERS_INCORRECT);
+    EXPECT_EQ(watch.Take(), std::make_tuple(size_t(0), size_t(1), 0LL));
+    writer::InpPath = follower::InpPath = u""_s;
+    ASSERT_EQ(follower::OnInit(), mql::INIT_SUCCEEDED);
+    follower::OnTimer();
+    ASSERT_EQ(writer::OnInit(), mql::INIT_SUCCEEDED);
+    for (int bar = 0; bar < 3; ++bar, ++mql::history) {
+        writer::OnTick(), writer::OnTick(); // one line a bar
+        follower::OnTimer();
+    }
+    writer::OnDeinit(0), follower::OnDeinit(0);
+    mql::history = 5000;
+    const std::vector<std::u16string> printed = mql::TakeJournal();
+    std::vector<std::u16string> written;
+    const std::string bytes = ReadFileBytes(dir / L"Tovarin\\signals.csv");
+    for (size_t from = 0, end; (end = bytes.find("\r\n", from)) != std::string::npos; from = end + 2)
+        written.push_back(u"Signal: " + std::u16string(bytes.begin() + from, bytes.begin() + end));
+    ASSERT_EQ(written.size(), 4u);
+    EXPECT_EQ(written[0], u"Signal: time,symbol,signal,close");
+    EXPECT_EQ(printed, std::vector<std::u16string>(written.begin() + 1, written.end()));
+    EXPECT_EQ(std::get<0>(watch.Take()), 0u);
+}
+
+// The records example: two counts and two arrays of records as they lie in memory.
+TEST(KitExamples, RecordsWrittenAsTheyLieInMemory) {
+    Watch watch;
+    TempDir dir;
+    mql::CommonDataPath = Text(dir.Path());
+    mql::TovarinRecords::InpBars = 100, mql::TovarinRecords::InpTicks = 50;
+    mql::TovarinRecords::OnStart();
+    Array<mql::MqlRates> rates;
+    Array<mql::MqlTick> ticks;
+    ASSERT_EQ(mql::CopyRates(mql::_Symbol, mql::_Period, 0, 100, rates) + mql::CopyTicks(mql::_Symbol, ticks, mql::COPY_TICKS_ALL, 0, 50), 150);
+    const std::string expected = std::string("\x64\0\0\0", 4) + std::string(reinterpret_cast<const char*>(rates.Data()), 6000) +
+                                 std::string("\x32\0\0\0", 4) + std::string(reinterpret_cast<const char*>(ticks.Data()), 3000);
+    EXPECT_TRUE(ReadFileBytes(dir / L"Tovarin\\records.bin") == expected);
+    EXPECT_EQ(mql::TakeJournal(), std::vector<std::u16string>{u"100 bars and 50 ticks written to " + Text(dir / L"Tovarin\\records.bin").text});
+    EXPECT_EQ(std::get<0>(watch.Take()), 0u);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 // elements are not initialised (here: 0xA5 bytes, so that code which reads them first shows it).
 #include <algorithm>
 #include <climits>
+#include <cstdio>
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
@@ -205,17 +206,36 @@ struct MqlTick {
 static_assert(sizeof(MqlRates) == 60 && sizeof(MqlTick) == 60, "MQL5's layouts");
 const int FILE_READ = 1, FILE_WRITE = 2, FILE_SHARE_READ = 128, FILE_SHARE_WRITE = 256;
 enum ENUM_FILE_POSITION { SEEK_SET_ = 7, SEEK_CUR_, SEEK_END_ }; // their values are not in MQL5's reference
-// Hourly bars from 2024-01-01 on, oldest first.
+// Hourly bars from 2024-01-01 on, oldest first; a test adds bars to the history.
+inline int history = 5000;
 inline int CopyRates(const string& symbol, ENUM_TIMEFRAMES, int start, int count, Array<MqlRates>& rates) {
-    count = std::min(count, 5000 - start);
+    count = std::min(count, history - start);
     if (symbol != _Symbol || start < 0 || count <= 0 || ArrayResize(rates, count) != count)
         return -1;
-    for (int i = 0, bar = 5000 - start - count; i < count; ++i, ++bar) {
+    for (int i = 0, bar = history - start - count; i < count; ++i, ++bar) {
         const double open = 1.1 + bar % 97 * 1e-4;
         rates[i] = {1704067200 + 3600LL * bar, open,           open + 5e-4, open - 4e-4,
                     open + bar % 5 * 1e-4,     100 + bar % 37, bar % 7,     1000LL * bar};
     }
     return count;
+}
+// A tick a second from 2024-01-01 on, the newest last.
+enum ENUM_COPY_TICKS { COPY_TICKS_ALL };
+inline int CopyTicks(const string& symbol, Array<MqlTick>& ticks, ENUM_COPY_TICKS, ulong, uint count) {
+    if (symbol != _Symbol || ArrayResize(ticks, count) != int(count))
+        return -1;
+    for (uint i = 0; i < count; ++i)
+        ticks[i] = {1704067200 + i, 1.1 + i % 7 * 1e-5, 1.1002 + i % 3 * 1e-5, 0, i % 4, 1704067200000LL + 1000 * i, 6, 0};
+    return count;
+}
+const int _Digits = 5, INIT_SUCCEEDED = 0, INIT_FAILED = 1, INIT_PARAMETERS_INCORRECT = 32767;
+inline string DoubleToString(double value, int digits) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", digits, value);
+    return std::u16string(text, text + std::strlen(text));
+}
+inline bool EventSetTimer(int) {
+    return true;
 }
 inline string CommonDataPath;
 inline string TerminalInfoString(ENUM_TERMINAL_INFO_STRING) {

@@ -18,7 +18,8 @@ KEYWORDS = set("if else for while do return break continue struct class public p
                "true false input".split())
 BUILTINS = set("ArrayResize ArraySize ArrayFree StringLen StringToCharArray CharArrayToString ShortArrayToString "
                "StringGetCharacter StringSetCharacter StringReplace Print PrintFormat CopyRates TerminalInfoString "
-               "MQLInfoInteger GetLastError EnumToString StringFind StringSubstr StringSplit StringToShortArray sizeof".split())
+               "MQLInfoInteger GetLastError EnumToString StringFind StringSubstr StringSplit StringToShortArray sizeof "
+               "CopyTicks DoubleToString EventSetTimer".split())
 CPP_ONLY = set("alignas alignof and asm auto bitand bitor case catch char16_t char32_t compl concept const_cast "
                "constexpr decltype default delete dynamic_cast enum explicit export extern friend goto inline mutable "
                "namespace new noexcept not nullptr operator or register reinterpret_cast requires signed "
@@ -33,7 +34,7 @@ class Refused(Exception):
 class Translator:
     def __init__(self, out_dir, include_dir):
         self.out_dir, self.include_dir, self.done = out_dir, include_dir, set()
-        self.types, self.functions = SCALARS | {"string", "void", "MqlRates", "MqlTick", "ENUM_FILE_POSITION"}, set(BUILTINS)
+        self.types, self.functions = SCALARS | {"string", "void", "MqlRates", "MqlTick", "ENUM_FILE_POSITION", "ENUM_COPY_TICKS"}, set(BUILTINS)
         self.structs = {"MqlRates", "MqlTick"}  # simple structures, which may cross to the DLL in arrays
 
     def refuse(self, line, why):
