@@ -1,6 +1,6 @@
 #include "Mql5.h"
 
-#include "support/Exports.h"
+#include <windows.h>
 
 namespace mql {
 
@@ -71,10 +71,6 @@ string CharArrayToString(const Array<uchar>& a, int start, int count, uint cp) {
     ::MultiByteToWideChar(cp, 0, narrow, size, reinterpret_cast<wchar_t*>(&text[0]),
                           static_cast<int>(text.size()));
     return text;
-}
-
-void* Bind(const char* name) {
-    return TestSupport::FromModule<void*>(TestSupport::TovarinModule(), name);
 }
 
 } // namespace mql
