@@ -13,7 +13,8 @@
 #define TOVARIN_UTF8_BOM  1          // UTF-8 with its byte-order mark EF BB BF
 #define TOVARIN_UTF16     2          // UTF-16LE with its byte-order mark FF FE
 #define TOVARIN_CODEPAGE  3          // 8-bit text in a code page, no mark
-// Bytes of text that a writer collects before it hands them to the DLL in one call.
+// Characters of text that a writer collects before it hands them to the DLL in one call (1 MiB
+// or more in any encoding).
 #define TOVARIN_BATCH     1048576
 
 // Whole arrays of simple structures in one call each: MQL5 passes the address of the first record.
@@ -151,18 +152,15 @@ private:
       TovarinNoMemory("CTovarinFile", n);
       return(-1);
      }
-   // Whether the buffer of the text being written holds need elements, growing it to twice that.
-   bool              Room(const int need)
+   // Writes text in the chosen encoding in one DLL call.
+   bool              Put(const string text)
      {
+      int length = StringLen(text);
       if(m_encoding == TOVARIN_UTF16)
-         return(ArraySize(m_units) >= need || ArrayResize(m_units, 2 * need) == 2 * need || NoMemory(2 * need) > 0);
-      return(ArraySize(m_bytes) >= need || ArrayResize(m_bytes, 2 * need) == 2 * need || NoMemory(2 * need) > 0);
-     }
-   bool              Put(const int used)
-     {
-      if(m_encoding == TOVARIN_UTF16)
-         return(FileWriteUShortArray(m_handle, m_units, ArraySize(m_units), 0, used) == (ulong)used);
-      return(FileWriteVoid(m_handle, m_bytes, used) == (ulong)used);
+         return(StringToShortArray(text, m_units, 0, length) == length
+                && FileWriteUShortArray(m_handle, m_units, ArraySize(m_units), 0, length) == (ulong)length);
+      int bytes = StringToCharArray(text, m_bytes, 0, length, m_encoding == TOVARIN_CODEPAGE ? m_codepage : CP_UTF8);
+      return(bytes > 0 && FileWriteVoid(m_handle, m_bytes, bytes) == (ulong)bytes);
      }
 
 public:
@@ -286,32 +284,31 @@ public:
       m_codepage = codepage;
      }
    // Writes every string of lines as a line, with the byte-order mark first at the start of the file
-   // for TOVARIN_UTF8_BOM and TOVARIN_UTF16, in one DLL call per TOVARIN_BATCH bytes, never
+   // for TOVARIN_UTF8_BOM and TOVARIN_UTF16, in one DLL call per TOVARIN_BATCH characters, never
    // splitting a line between calls. The number of lines; -1 after a failure.
    int               WriteLines(const string &lines[])
      {
-      bool wide = m_encoding == TOVARIN_UTF16;
-      int used = 0, n = ArraySize(lines);
-      if(!Ready() || !Room(3))
+      int n = ArraySize(lines);
+      string batch = "", end = m_crlf ? "\r\n" : "\n";
+      if(!Ready() || !StringReserve(batch, TOVARIN_BATCH + 1024))
          return(-1);
-      if((wide || m_encoding == TOVARIN_UTF8_BOM) && TovarinPosition(m_handle) == 0)
+      if((m_encoding == TOVARIN_UTF16 || m_encoding == TOVARIN_UTF8_BOM) && TovarinPosition(m_handle) == 0)
         {
-         string mark = " ";
-         StringSetCharacter(mark, 0, 0xFEFF);
-         used = wide ? StringToShortArray(mark, m_units, 0, 1) : StringToCharArray(mark, m_bytes, 0, 1, CP_UTF8);
+         batch = " ";
+         StringSetCharacter(batch, 0, 0xFEFF);
         }
       for(int i = 0; i < n; i++)
         {
-         string line = lines[i] + (m_crlf ? "\r\n" : "\n");
-         int length = StringLen(line), need = used + 3 * length;
-         if(!Room(need))
+         batch += lines[i];
+         batch += end;
+         if(StringLen(batch) < TOVARIN_BATCH && i < n - 1)
+            continue;
+         if(!Put(batch))
             return(-1);
-         used += wide ? StringToShortArray(line, m_units, used, length) : StringToCharArray(line, m_bytes, used, length, m_encoding == TOVARIN_CODEPAGE ? m_codepage : CP_UTF8);
-         if(used >= TOVARIN_BATCH && !Put(used))
-            return(-1);
-         used = used >= TOVARIN_BATCH ? 0 : used;
+         batch = "";
+         StringReserve(batch, TOVARIN_BATCH + 1024);
         }
-      return(used > 0 && !Put(used) ? -1 : n);
+      return(n);
      }
    bool              WriteLine(const string line)
      {

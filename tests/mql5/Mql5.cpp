@@ -49,11 +49,12 @@ int StringToShortArray(const string& s, Array<ushort>& a, int start, int count) 
 int StringToCharArray(const string& s, Array<uchar>& a, int start, int count, uint cp) {
     const int chars = count < 0 || count > StringLen(s) ? StringLen(s) : count;
     const auto* wide = reinterpret_cast<const wchar_t*>(s.text.c_str());
-    std::vector<char> bytes(::WideCharToMultiByte(cp, 0, wide, chars, nullptr, 0, nullptr, nullptr));
-    ::WideCharToMultiByte(cp, 0, wide, chars, bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr);
+    static thread_local std::vector<char> bytes; // one conversion into room enough for any code page
+    if (bytes.size() < 3 * static_cast<std::size_t>(chars) + 1)
+        bytes.resize(3 * static_cast<std::size_t>(chars) + 1);
+    int n = chars == 0 ? 0 : ::WideCharToMultiByte(cp, 0, wide, chars, bytes.data(), 3 * chars, nullptr, nullptr);
     if (count < 0)
-        bytes.push_back(0);
-    const int n = static_cast<int>(bytes.size());
+        bytes[n++] = 0;
     if (start < 0)
         return 0;
     if (start + n > a.Size() && !a.fixed)

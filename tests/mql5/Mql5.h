@@ -108,15 +108,16 @@ template <class T> int ArrayResize(Array<T>& a, int size, int reserve = 0) {
 // The elements of a[start, start + count) before the first 0 (count -1: to the end).
 template <class T> std::vector<T> Slice(const Array<T>& a, int start, int count) {
     const int end = count < 0 || count > a.Size() - start ? a.Size() : start + count;
-    std::vector<T> slice;
-    for (int i = std::max(start, 0); i < end && a.items[i] != 0; ++i)
-        slice.push_back(a.items[i]);
-    return slice;
+    const T* first = a.Data() + std::min(std::max(start, 0), end);
+    return std::vector<T>(first, std::find(first, a.Data() + end, T(0)));
 }
 inline int StringLen(const string& s) {
     return static_cast<int>(s.text.size());
 }
 int StringFind(const string& s, const string& what, int start = 0);
+inline bool StringReserve(string& s, uint capacity) {
+    return s.text.reserve(capacity), true;
+}
 string StringSubstr(const string& s, int start, int length = -1);
 int StringSplit(const string& s, ushort separator, Array<string>& parts);
 int StringToShortArray(const string& s, Array<ushort>& a, int start = 0, int count = -1);
