@@ -275,10 +275,10 @@ int TovarinAnsi(const string text, uchar &ansi[])
 // message box or a line in the log has explained. The readers need a file below 2 GiB and refuse a
 // larger one with a line in the log.
 
-// Logs that an array could not be resized to count elements; false.
-bool TovarinNoMemory(const string what, const int count)
+// Logs that an array could not be resized to count elements (no memory, or a static array); false.
+bool TovarinResizeFailed(const string what, const int count)
   {
-   PrintFormat("Tovarin: %s: no memory for %d elements", what, count);
+   PrintFormat("Tovarin: %s cannot resize an array to %d elements", what, count);
    return(false);
   }
 
@@ -340,7 +340,7 @@ ulong TovarinWriteLinesW(const long handle, const string &lines[])
       int length = StringLen(lines[i]) + 2;
       if(ArraySize(units) < used + length && ArrayResize(units, 2 * (used + length)) < 0)
         {
-         TovarinNoMemory("TovarinWriteLinesW", 2 * (used + length));
+         TovarinResizeFailed("TovarinWriteLinesW", 2 * (used + length));
          return(TOVARIN_FAILED_COUNT);
         }
       used += StringToShortArray(lines[i] + "\r\n", units, used, length);
@@ -363,7 +363,7 @@ ulong TovarinWriteLinesA(const long handle, const string &lines[])
       int length = 2 * StringLen(lines[i]) + 2;
       if(ArraySize(bytes) < used + length && ArrayResize(bytes, 2 * (used + length)) < 0)
         {
-         TovarinNoMemory("TovarinWriteLinesA", 2 * (used + length));
+         TovarinResizeFailed("TovarinWriteLinesA", 2 * (used + length));
          return(TOVARIN_FAILED_COUNT);
         }
       int end = used + StringToCharArray(lines[i], bytes, used, StringLen(lines[i]), CP_ACP);
@@ -390,7 +390,7 @@ ulong TovarinReadLinesW(const long handle, string &lines[])
    ushort text[];
    if(length > 0 && ArrayResize(text, length) != length)
      {
-      TovarinNoMemory("TovarinReadLinesW", length);
+      TovarinResizeFailed("TovarinReadLinesW", length);
       return(TOVARIN_FAILED_COUNT);
      }
    if(length > 0 && FileReadUShortArray(handle, text, (ulong)length, 0, (ulong)length) != (ulong)length)
@@ -404,7 +404,7 @@ ulong TovarinReadLinesW(const long handle, string &lines[])
         }
    if(ArrayResize(lines, count) != count)
      {
-      TovarinNoMemory("TovarinReadLinesW", count);
+      TovarinResizeFailed("TovarinReadLinesW", count);
       return(TOVARIN_FAILED_COUNT);
      }
    for(int i = 0, k = 0, begin = 0; k < count; i++)
@@ -429,7 +429,7 @@ ulong TovarinReadLinesA(const long handle, string &lines[])
    uchar text[];
    if(length > 0 && ArrayResize(text, length) != length)
      {
-      TovarinNoMemory("TovarinReadLinesA", length);
+      TovarinResizeFailed("TovarinReadLinesA", length);
       return(TOVARIN_FAILED_COUNT);
      }
    if(length > 0 && FileReadVoid(handle, text, (ulong)length) != (ulong)length)
@@ -443,7 +443,7 @@ ulong TovarinReadLinesA(const long handle, string &lines[])
         }
    if(ArrayResize(lines, count) != count)
      {
-      TovarinNoMemory("TovarinReadLinesA", count);
+      TovarinResizeFailed("TovarinReadLinesA", count);
       return(TOVARIN_FAILED_COUNT);
      }
    for(int i = 0, k = 0, begin = 0; k < count; i++)
@@ -481,7 +481,7 @@ bool TovarinReadStringA(const long handle, const ulong size, string &text)
    int n = (int)size;
    uchar bytes[];
    if(n > 0 && ArrayResize(bytes, n) != n)
-      return(TovarinNoMemory("TovarinReadStringA", n));
+      return(TovarinResizeFailed("TovarinReadStringA", n));
    if(n > 0 && FileReadVoid(handle, bytes, size) != size)
       return(false);
    while(n > 0 && TovarinIsTrimmed(bytes[n - 1]))
@@ -501,7 +501,7 @@ bool TovarinReadStringW(const long handle, const ulong size, string &text)
    int n = (int)size;
    ushort units[];
    if(n > 0 && ArrayResize(units, n) != n)
-      return(TovarinNoMemory("TovarinReadStringW", n));
+      return(TovarinResizeFailed("TovarinReadStringW", n));
    if(n > 0 && FileReadUShortArray(handle, units, size, 0, size) != size)
       return(false);
    while(n > 0 && TovarinIsTrimmed(units[n - 1]))

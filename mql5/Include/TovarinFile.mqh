@@ -149,7 +149,7 @@ private:
      }
    int               NoMemory(const int n)
      {
-      TovarinNoMemory("CTovarinFile", n);
+      TovarinResizeFailed("CTovarinFile", n);
       return(-1);
      }
    // Writes text in the chosen encoding in one DLL call.

@@ -117,10 +117,14 @@ TEST_F(Kit, EachFailureIsExplainedOnce) {
         {[&] { return mql::TovarinReadLinesW(sized((4ull << 30) + 6), lines); }, ~0ull, nullptr, u"2 GiB"},
         {[&] { return mql::TovarinReadLinesA(sized((8ull << 30) + 6), lines); }, ~0ull, nullptr, u"2 GiB"},
         {[&] { return +mql::TovarinReadStringA(file, 3ull << 30, text); }, 0, nullptr, u"2 GiB"},
-        {[&] { return shortOfMemory(0), mql::TovarinReadLinesA(file, lines); }, ~0ull, nullptr, u"no memory"},
-        {[&] { return shortOfMemory(1), mql::TovarinReadLinesA(file, lines); }, ~0ull, nullptr, u"no memory"},
-        {[&] { return shortOfMemory(0), mql::TovarinReadLinesW(file, lines); }, ~0ull, nullptr, u"no memory"},
-        {[&] { return shortOfMemory(0), +mql::TovarinReadStringA(file, 4, text); }, 0, nullptr, u"no memory"},
+        {[&] { return shortOfMemory(0), mql::TovarinReadLinesA(file, lines); }, ~0ull, nullptr,
+         u"cannot resize"},
+        {[&] { return shortOfMemory(1), mql::TovarinReadLinesA(file, lines); }, ~0ull, nullptr,
+         u"cannot resize"},
+        {[&] { return shortOfMemory(0), mql::TovarinReadLinesW(file, lines); }, ~0ull, nullptr,
+         u"cannot resize"},
+        {[&] { return shortOfMemory(0), +mql::TovarinReadStringA(file, 4, text); }, 0, nullptr,
+         u"cannot resize"},
         // TovarinAnsi leaves an empty text when the text and its zero overflow a static array
         {[&] { return mql::TovarinAnsi(u"abc"_s, ansi) + ansi[0]; }, 0, nullptr, u"no room"},
     };
