@@ -1,57 +1,15 @@
-// The DLL as a whole: every export called with all-zero arguments,
-// the registry's texts whole, the box caption.
+// A copy of the DLL: its registry's texts whole, from empty to an unknown handle, as README.md shows
+// the sample; its boxes' caption; its unloading closes the files left open.
 #include "support/Exports.h"
 
 #include <gtest/gtest.h>
-
-#include <set>
 
 using namespace TestSupport;
 
 namespace {
 
-// All-zero arguments: a null handle, null texts and buffers, zero counts. Every export fails with
-// its neutral result and exactly one box that opens with its own signature, and nothing appears in
-// the current folder.
-TEST(EveryExport, RefusesAllZeroArgumentsWithItsNeutralResultAndOneBox) {
-    TempDir dir;
-    CurrentFolder current(dir.Path());
-    BoxRecorder boxes;
-    for (const ExportRow& row : Exports()) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(row.Call(CallArgs()), row.neutral);
-        ExpectOneBox(boxes, row.name, {});
-    }
-    EXPECT_TRUE(current.Empty());
-}
-
-// The export table is the list, name for name; every imported DLL is one of the system's own (the C++
-// runtime is linked in).
-TEST(ModuleTables, ExportTableIsTheListAndImportsAreSystemDlls) {
-    const auto base = reinterpret_cast<const char*>(TovarinModule());
-    const auto* dirs = reinterpret_cast<const IMAGE_NT_HEADERS64*>(
-                           base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew)
-                           ->OptionalHeader.DataDirectory;
-    const auto* table = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(
-        base + dirs[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress);
-    std::set<std::string> exported, listed;
-    for (DWORD i = 0; i < table->NumberOfNames; ++i)
-        exported.insert(base + reinterpret_cast<const DWORD*>(base + table->AddressOfNames)[i]);
-    for (const ExportRow& row : Exports())
-        listed.insert(row.name);
-    EXPECT_EQ(exported, listed);
-    wchar_t system[MAX_PATH] = {};
-    const std::wstring folder(system, ::GetSystemDirectoryW(system, MAX_PATH));
-    for (auto* import = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(
-             base + dirs[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress);
-         import->Name != 0; ++import) {
-        const std::string name = base + import->Name;
-        EXPECT_TRUE(FileExists(folder + L"\\" + std::wstring(name.begin(), name.end()))) << name;
-    }
-}
-
 // A second copy of the DLL has a registry of its own, empty; its boxes carry its own full path.
-TEST(Registry, TextsWholeFromEmptyToUnknownAndTheCaptionIsTheModulePath) {
+TEST(Registry, TextsWholeAsTheReadmeShowsThemTheCaptionAndTheUnload) {
     TempDir dir;
     const std::wstring copy = dir / L"Tovarin Copy.dll";
     ASSERT_TRUE(::CopyFileW((ExecutableFolder() + L"Tovarin.dll").c_str(), copy.c_str(), FALSE));
@@ -66,21 +24,35 @@ TEST(Registry, TextsWholeFromEmptyToUnknownAndTheCaptionIsTheModulePath) {
     EXPECT_EQ(writeInt(reinterpret_cast<void*>(0x1234), 1), -1);
     close(handle);
     EXPECT_EQ(writeInt(handle, 1), -1); // closed, and the registry is empty again
+    void* left = create((dir / L"left.bin").c_str(), TOVARIN_GENERIC_READ | TOVARIN_GENERIC_WRITE, 0);
+    EXPECT_EQ(writeInt(left, 1234), 4);
     const std::vector<Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 3u);
-    const std::wstring empty = L"Массив классов не инициализирован.\r\nСначала создайте или откройте файл.";
-    const std::wstring messages[] = {empty, L"Неверный системный дескриптор файла.", empty};
-    for (int i = 0; i < 3; ++i) {
-        const std::vector<int> lines = LinesOf(shown[i].text);
-        ASSERT_EQ(lines.size(), 2u);
-        EXPECT_EQ(shown[i].text,
-                  Heading("FileWriteInt") + std::to_wstring(lines[0]) +
-                      L"\r\n\nОшибка в функции \"class Utils::Smart::Pointer<class Utils::FileHdd> "
-                      L"__cdecl Project::PtrCFile(void *const )\"!\r\nFile: \"Project.h\"\r\nLine: " +
-                      std::to_wstring(lines[1]) + L"\r\n\n" + messages[i] + L"\n\n");
-        EXPECT_EQ(shown[i].caption, copy);
+    const std::wstring empty =
+        L"\r\n\nМассив классов не инициализирован.\r\nСначала создайте или откройте файл.\n\n";
+    for (const Box& box : shown) {
+        EXPECT_EQ(box.caption, copy);
+        EXPECT_EQ(box.text.find(Heading("FileWriteInt")), 0u);
     }
-    EXPECT_TRUE(::FreeLibrary(module));
+    for (const int i : {0, 2}) // the unknown handle's text below, with the empty registry's line and message
+        EXPECT_EQ(shown[i].text.rfind(empty), shown[i].text.size() - empty.size());
+    EXPECT_TRUE(::FreeLibrary(module)); // closes the file left open, which nobody else may share
+    HANDLE again = ::CreateFileW((dir / L"left.bin").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                 OPEN_EXISTING, 0, nullptr);
+    EXPECT_NE(again, INVALID_HANDLE_VALUE);
+    ::CloseHandle(again);
+    EXPECT_EQ(ReadFileBytes(dir / L"left.bin"), std::string("\xD2\x04\0\0", 4));
+    // README.md's sample is the unknown handle's box whole, line breaks as LF.
+    std::string real = Narrow(shown[1].text);
+    for (std::size_t at = real.find("\r\n"); at != std::string::npos; at = real.find("\r\n", at))
+        real.erase(at, 1);
+    real.erase(real.find_last_not_of('\n') + 1);
+    const std::string readme = ReadFileBytes(std::wstring(TOVARIN_SOURCE_DIR) + L"\\README.md");
+    const std::string begin = "<!-- sample-box:begin -->\n```\n";
+    const std::size_t from = readme.find(begin) + begin.size();
+    EXPECT_EQ(readme.substr(from, readme.find("\n```\n<!-- sample-box:end -->") - from), real)
+        << "Put the real text into README.md between its sample-box marks:\n"
+        << real;
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // The handle exports: every one refuses an unknown and a closed handle, after a bad slice of a typed
-// array and before a count of 0 of any other; open and create by disposition; position, size,
-// clear and resize.
+// array and before a count of 0 of any other; open and create by disposition in both forms; each
+// whole-file operation.
 #include "support/Exports.h"
 
 #include <gtest/gtest.h>
@@ -13,10 +13,17 @@ const std::wstring kUnknown = L"Неверный системный дескри
 
 class Handles : public testing::Test {
 protected:
-    void* Create(const std::wstring& name, unsigned long share = TOVARIN_DEFAULT) {
-        void* handle = TOVARIN_FN(FileCreateAlwaysW)((dir / name).c_str(), TOVARIN_DEFAULT, share);
+    void* Create(const std::wstring& name) {
+        void* handle = TOVARIN_FN(FileCreateAlwaysW)((dir / name).c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
         EXPECT_NE(handle, nullptr);
         return handle;
+    }
+    // Whether a second open of the file gets `access` while it shares `share`.
+    static bool Opens(const std::wstring& path, DWORD access,
+                      DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE) {
+        HANDLE other = ::CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
+        ::CloseHandle(other);
+        return other != INVALID_HANDLE_VALUE;
     }
     TempDir dir;
     BoxRecorder boxes;
@@ -80,95 +87,122 @@ TEST_F(Handles, HostileArgumentsAreRefused) {
     void* h = Create(L"hostile.bin");
     alignas(8) char buffer[64] = {};
     const u64 all = ~0ull;
-    const struct {
-        const char* name;
-        CallArgs args;
-        const wchar_t* piece;
-    } cases[] = {
-        {"FileWriteIntArray",
-         {h, nullptr, {}, {}, {0, 4, 0, 4}},
-         L"\nОтсутствует массив: указатель на массив равен нулю.\n"},
-        {"FileReadLongArray",
-         {h, buffer, {}, {}, {0, all, 0, all}},
-         L"\nРазмер передаваемых данных превышает адресное пространство.\n"},
-        {"FileWriteStrArrayMW",
-         {h, nullptr, {}, {}, {0, 2, 0, 2}},
-         L"\nОтсутствует массив строк: указатель на массив равен нулю.\n"},
-        {"FileReadStrArrayA",
-         {h, nullptr, {}, {}, {2, 8, 0, 2}},
-         L"\nОтсутствует массив строк: указатель на массив равен нулю.\n"},
-        {"FileWriteVoid", {h, nullptr, {}, {}, {0, 0, 0, 16}}, L"не записаны данные в файл:"},
-        {"FileSetPointerBegin", {h, nullptr, {}, {}, {0, 0, 0, 0x80000000}}, L"Не смещён файловый указатель"},
-        {"FileReadStringW", {h, nullptr, {}, {}, {0, 0, 0, 1ull << 62}}, L"Unknown exception!"},
-    };
+    const UINT kError = MB_ICONERROR;
+    const std::wstring noArray = L"\nОтсутствует массив: указатель на массив равен нулю.\n",
+                       noStrings = L"\nОтсутствует массив строк: указатель на массив равен нулю.\n";
+    // clang-format off
+    const struct { const char* name; CallArgs args; std::vector<std::wstring> pieces; UINT icon = kError; }
+    cases[] = {
+        {"FileWriteIntArray", {h, nullptr, {}, {}, {0, 4, 0, 4}}, {noArray}},
+        {"FileReadLongArray", {h, buffer, {}, {}, {0, all, 0, all}},
+         {L"\nРазмер передаваемых данных превышает адресное пространство.\n"}},
+        {"FileWriteStrArrayMW", {h, nullptr, {}, {}, {0, 2, 0, 2}}, {noStrings}},
+        {"FileReadStrArrayA", {h, nullptr, {}, {}, {2, 8, 0, 2}}, {noStrings}},
+        {"FileWriteVoid", {h, nullptr, {}, {}, {0, 0, 0, 16}}, {L"не записаны данные в файл:"}},
+        {"FileSetPointerBegin", {h, nullptr, {}, {}, {0, 0, 0, 1ull << 31}}, {L"Не смещён файловый"}},
+        {"FileReadStringW", {h, nullptr, {}, {}, {0, 0, 0, 1ull << 62}}, // a notice, with the last error
+         {L"\r\n\nLast Error: ", L"Unknown exception!"}, MB_ICONINFORMATION}};
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(ExportOf(c.name).Call(c.args), ExportOf(c.name).neutral);
-        ExpectOneBox(boxes, c.name, {c.piece});
+        ExpectOneBox(boxes, c.name, c.pieces, c.icon);
     }
     EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 0u);
     close(h);
 }
 
-TEST_F(Handles, OpenAndCreateByDisposition) {
-    struct Case {
-        const char* name;
-        bool exists;
-        u64 size;
-        const wchar_t* disposition;
-    };
-    const Case cases[] = {
-        {"FileCreateNewW", false, 0, nullptr},
-        {"FileCreateNewW", true, ~0ull, L"CREATE_NEW"},
-        {"FileCreateAlwaysW", false, 0, nullptr},
-        {"FileCreateAlwaysW", true, 0, nullptr},
-        {"FileOpenExistingW", false, ~0ull, L"OPEN_EXISTING"},
-        {"FileOpenExistingW", true, 4, nullptr},
-        {"FileOpenAlwaysW", false, 0, nullptr},
-        {"FileOpenAlwaysW", true, 4, nullptr},
-        {"FileOpenTruncateW", false, ~0ull, L"TRUNCATE_EXISTING"},
-        {"FileOpenTruncateW", true, 0, nullptr},
-    };
-    const std::wstring path = dir / L"sub\\d.bin";
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::string(c.name) + (c.exists ? " existing" : " missing"));
-        ::DeleteFileW(path.c_str());
-        ASSERT_TRUE(!c.exists || WriteFileBytes(path, "1234"));
-        const CallArgs args{nullptr, nullptr, {}, {path.c_str()}, {0, 0, TOVARIN_DEFAULT, TOVARIN_DEFAULT}};
-        void* handle = reinterpret_cast<void*>(ExportOf(c.name).Call(args));
-        if (c.disposition != nullptr) {
-            EXPECT_EQ(handle, nullptr);
-            ExpectOneBox(boxes, c.name, {std::wstring(L"Выполняемые действия с файлом: ") + c.disposition});
-        } else {
-            EXPECT_EQ(TOVARIN_FN(FileGetSize)(handle), c.size);
-            EXPECT_EQ(TOVARIN_FN(FileGetPointer)(handle), 0);
-            close(handle);
+// Both forms of every open and create, on a missing file, a file of 4 bytes and a folder: the file's
+// size and pointer, or the refusal naming the disposition. The access and sharing asked for hold, as
+// a second opener finds them.
+TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
+    enum { kMissing, kFile, kFolder };
+    // clang-format off
+    // The size after the open, or the disposition that the refusal names.
+    const struct { const char* stem; int before; u64 size; const wchar_t* refusal; } cases[] = {
+        {"FileCreateNew", kMissing, 0, nullptr}, {"FileCreateNew", kFile, 0, L"CREATE_NEW"},
+        {"FileCreateAlways", kMissing, 0, nullptr}, {"FileCreateAlways", kFile, 0, nullptr},
+        {"FileCreateAlways", kFolder, 0, L"CREATE_ALWAYS"}, {"FileOpenAlways", kMissing, 0, nullptr},
+        {"FileOpenAlways", kFile, 4, nullptr}, {"FileOpenAlways", kFolder, 0, L"OPEN_ALWAYS"},
+        {"FileOpenExisting", kMissing, 0, L"OPEN_EXISTING"}, {"FileOpenExisting", kFile, 4, nullptr},
+        {"FileOpenTruncate", kMissing, 0, L"TRUNCATE_EXISTING"}, {"FileOpenTruncate", kFile, 0, nullptr}};
+    // clang-format on
+    // 8-bit paths are read in the system code page: the name starts with its letter 0xE9, if it has one.
+    wchar_t letter = 0;
+    const bool single = ::MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, "\xE9", 1, &letter, 1) == 1;
+    const std::wstring name = (single ? std::wstring(1, letter) : L"") + L"d.bin";
+    const std::string nameA = (single ? "\xE9" : "") + std::string("d.bin");
+    const std::wstring path = dir / (L"sub\\" + name);
+    const std::string pathA = Narrow(dir.Path()) + "\\sub\\" + nameA; // the folder is ASCII
+    for (const char* form : {"W", "A"}) {
+        // W: writing only, reading shared; A: the defaults, reading and writing, both shared.
+        const bool defaults = form[0] == 'A';
+        const u64 access = defaults ? TOVARIN_DEFAULT : GENERIC_WRITE;
+        const u64 share = defaults ? TOVARIN_DEFAULT : FILE_SHARE_READ;
+        const CallArgs args{nullptr, nullptr, {pathA.c_str()}, {path.c_str()}, {0, 0, access, share}};
+        for (const auto& c : cases) {
+            const std::string export_ = c.stem + std::string(form);
+            SCOPED_TRACE(export_ + " " + std::to_string(c.before));
+            ::DeleteFileW(path.c_str());
+            ::RemoveDirectoryW(path.c_str());
+            ASSERT_TRUE(c.before != kFile || WriteFileBytes(path, "1234"));
+            ASSERT_TRUE(c.before != kFolder || ::CreateDirectoryW(path.c_str(), nullptr));
+            void* h = reinterpret_cast<void*>(ExportOf(export_).Call(args));
+            if (c.refusal != nullptr) {
+                EXPECT_EQ(h, nullptr);
+                ExpectOneBox(boxes, export_, {std::wstring(L"Выполняемые действия с файлом: ") + c.refusal});
+                continue;
+            }
+            EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), c.size);
+            EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 0);
+            EXPECT_EQ(TOVARIN_FN(FileWriteInt)(h, 1), 4);
+            EXPECT_EQ(Opens(path, GENERIC_READ, FILE_SHARE_WRITE), !defaults); // unless the handle reads
+            EXPECT_EQ(Opens(path, GENERIC_WRITE), defaults);                   // where writing is shared
+            close(h);
             ExpectNoBox(boxes);
         }
     }
 }
 
-TEST_F(Handles, PositionSizeClearAndResize) {
-    void* h = Create(L"pos.bin");
-    EXPECT_EQ(TOVARIN_FN(FileWriteVoid)(h, "0123456789", 10), 10u);
-    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 10u);
-    EXPECT_EQ(TOVARIN_FN(FileSetPointerEnd)(h, 0), 10);
-    EXPECT_EQ(TOVARIN_FN(FileSetPointerCurrent)(h, -3), 7);
-    EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(h, 2), 2);
-    char three[3] = {};
-    EXPECT_EQ(TOVARIN_FN(FileReadVoid)(h, three, 3), 3u);
-    EXPECT_EQ(std::string(three, 3), "234");
-    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 5);
-    TOVARIN_FN(FileResize)(h, 4);
-    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 4u);
-    TOVARIN_FN(FileSetPointerBegin)(h, 1);
-    TOVARIN_FN(FileClear)(h);
-    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 0u);
-    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 0);
-    ExpectNoBox(boxes);
-    EXPECT_EQ(TOVARIN_FN(FileSetPointerCurrent)(h, -1), -1); // before the start
-    ExpectOneBox(boxes, "FileSetPointerCurrent", {L"Не смещён файловый указатель в файле:"});
-    close(h);
+// Each whole-file operation on a file of `before` bytes with the pointer at `at`: its result, and
+// the size and pointer that the system reports afterwards. Close and delete forget the handle.
+TEST_F(Handles, WholeFileOperationsBySizeAndPointer) {
+    const u64 big = 7294967296ull, kClosed = ~0ull, kDeleted = ~1ull;
+    // clang-format off
+    const struct { const char* name; u64 before; __int64 at, argument; u64 result, size; __int64 pointer; }
+    cases[] = {
+        {"FileGetSize", big, 3, 0, 18446744072414584320ull, big, 3}, // the low 32 bits, sign-extended
+        {"FileGetPointer", 10, 3, 0, 3, 10, 3}, {"FileSetPointerBegin", 10, 3, 2, 2, 10, 2},
+        {"FileSetPointerCurrent", 10, 3, -2, 1, 10, 1}, {"FileSetPointerEnd", 10, 3, -2, 8, 10, 8},
+        {"FileResize", 10, 3, 20, 0, 20, 3}, {"FileResize", 10, 3, 4, 0, 4, 3},
+        {"FileResize", 10, 8, 4, 0, 4, 4}, // to the new end, not past it
+        {"FileResize", 10, 3, 5000000000, 0, 5000000000, 3}, {"FileClear", 10, 5, 0, 0, 0, 0},
+        {"FileClear", 0, 5, 0, 0, 0, 5}, // an empty file is left as it is, its pointer too
+        {"FileFlushApply", 10, 3, 0, 0, 10, 3}, {"FileCloseHandle", 10, 3, 0, 0, kClosed, 0},
+        {"FileDeleteByHandle", 10, 3, 0, 0, kDeleted, 0}};
+    // clang-format on
+    const std::wstring path = dir / L"ops.bin";
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.name) + " " + std::to_string(c.before) + " " + std::to_string(c.argument));
+        void* h = Create(L"ops.bin");
+        TOVARIN_FN(FileResize)(h, c.before);
+        TOVARIN_FN(FileSetPointerBegin)(h, static_cast<int>(c.at));
+        EXPECT_EQ(ExportOf(c.name).Call({h, nullptr, {}, {}, {0, 0, 0, static_cast<u64>(c.argument)}}),
+                  c.result);
+        ExpectNoBox(boxes);
+        if (c.size == kClosed || c.size == kDeleted) {
+            EXPECT_EQ(TOVARIN_FN(FileWriteInt)(h, 1), -1);
+            ExpectOneBox(boxes, "FileWriteInt", {L"Project::PtrCFile"}); // the registry no longer knows it
+            EXPECT_EQ(FileExists(path), c.size == kClosed);
+            EXPECT_TRUE(c.size == kDeleted || Opens(path, DELETE)); // nobody holds the file
+            continue;
+        }
+        LARGE_INTEGER size = {}, pointer = {};
+        EXPECT_TRUE(::GetFileSizeEx(h, &size) && ::SetFilePointerEx(h, pointer, &pointer, FILE_CURRENT));
+        EXPECT_EQ(static_cast<u64>(size.QuadPart), c.size);
+        EXPECT_EQ(pointer.QuadPart, c.pointer);
+        close(h);
+    }
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // Reliability: eight threads on private files and one shared handle, a close racing the calls that
-// use the handle, handles and memory over many cycles, two processes, unloading with files open.
+// use the handle, handles and memory over many cycles.
 #include "support/Exports.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <atomic>
 #include <map>
-#include <process.h>
 #include <random>
 #include <thread>
 
@@ -53,10 +52,6 @@ template <class Body> void RunThreads(int count, Body body) {
     ::WaitForMultipleObjects(static_cast<DWORD>(threads.size()), threads.data(), TRUE, INFINITE);
     for (HANDLE thread : threads)
         ::CloseHandle(thread);
-}
-
-std::string IntBytes(const std::vector<int>& values) {
-    return std::string(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(int));
 }
 
 // Each thread appends to, cuts and reopens a private file, checked against a model, and
@@ -116,7 +111,8 @@ void StressRound(const TempDir& dir, int steps, const std::wstring& round) {
     for (int t = 0; t < kThreads; ++t) {
         SCOPED_TRACE(t);
         EXPECT_EQ(errors[t], 0);
-        EXPECT_EQ(ReadFileBytes(dir / (round + std::to_wstring(t))), IntBytes(models[t]));
+        EXPECT_EQ(ReadFileBytes(dir / (round + std::to_wstring(t))),
+                  std::string(reinterpret_cast<const char*>(models[t].data()), models[t].size() * 4));
         std::vector<int> expected(blocks[t]), got = seen[t];
         for (int s = 0; s < blocks[t]; ++s)
             expected[s] = s;
@@ -197,60 +193,6 @@ TEST(Reliability, CyclesAndFailuresLeakNeitherHandlesNorMemory) {
     EXPECT_EQ(refused, 4u * 3100u);
     EXPECT_EQ(handles[1], handles[0]);
     EXPECT_LT(heap[1], heap[0] + 64 * 1024); // a few bytes lost per call would be hundreds of KiB
-}
-
-const wchar_t kChild[] = L"TOVARIN_TEST_CHILD_PATH";
-
-// The second process of the test below: appends through the library and flushes.
-TEST(ReliabilityChild, DISABLED_AppendsThroughTheLibrary) {
-    BoxRecorder boxes; // a failure here must not wait for a box
-    wchar_t path[1024] = {};
-    ASSERT_NE(::GetEnvironmentVariableW(kChild, path, 1024), 0u);
-    void* h = TOVARIN_FN(FileOpenExistingW)(path, TOVARIN_DEFAULT, TOVARIN_DEFAULT);
-    ASSERT_NE(h, nullptr);
-    TOVARIN_FN(FileSetPointerEnd)(h, 0);
-    int values[3] = {7, 8, 9};
-    ASSERT_EQ(TOVARIN_FN(FileWriteIntArray)(h, values, 3, 0, 3), 3u);
-    TOVARIN_FN(FileCloseHandle)(h);
-}
-
-TEST(Reliability, TwoProcessesShareOneFile) {
-    TempDir dir;
-    BoxRecorder boxes;
-    const std::wstring path = dir / L"two.bin";
-    void* h = TOVARIN_FN(FileCreateAlwaysW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
-    ASSERT_EQ(TOVARIN_FN(FileWriteInt)(h, 6), 4);
-    TOVARIN_FN(FileFlushApply)(h);
-    wchar_t self[MAX_PATH] = {};
-    ::GetModuleFileNameW(nullptr, self, MAX_PATH);
-    ::SetEnvironmentVariableW(kChild, path.c_str());
-    EXPECT_EQ(_wspawnl(_P_WAIT, self, (L"\"" + std::wstring(self) + L"\"").c_str(),
-                       L"--gtest_also_run_disabled_tests", L"--gtest_filter=ReliabilityChild.*", nullptr),
-              0);
-    ::SetEnvironmentVariableW(kChild, nullptr);
-    EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 16u);
-    TOVARIN_FN(FileCloseHandle)(h);
-    EXPECT_EQ(ReadFileBytes(path), IntBytes({6, 7, 8, 9}));
-    ExpectNoBox(boxes);
-}
-
-// A copy of the DLL loaded, left with a file open that nobody shares, and unloaded: the unload
-// closes the file.
-TEST(Reliability, UnloadClosesTheFilesLeftOpen) {
-    TempDir dir;
-    const std::wstring copy = dir / L"TovarinCopy.dll", path = dir / L"unload.bin";
-    ASSERT_TRUE(::CopyFileW((ExecutableFolder() + L"Tovarin.dll").c_str(), copy.c_str(), FALSE));
-    HMODULE module = ::LoadLibraryW(copy.c_str());
-    ASSERT_NE(module, nullptr);
-    void* h = FromModule<decltype(&::FileCreateAlwaysW)>(module, "FileCreateAlwaysW")(
-        path.c_str(), TOVARIN_GENERIC_READ | TOVARIN_GENERIC_WRITE, 0);
-    EXPECT_EQ(FromModule<decltype(&::FileWriteInt)>(module, "FileWriteInt")(h, 1234), 4);
-    EXPECT_TRUE(::FreeLibrary(module));
-    HANDLE again =
-        ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    EXPECT_NE(again, INVALID_HANDLE_VALUE);
-    ::CloseHandle(again);
-    EXPECT_EQ(ReadFileBytes(path), IntBytes({1234}));
 }
 
 } // namespace

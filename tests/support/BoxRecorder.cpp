@@ -18,6 +18,17 @@ std::wstring TextOf(HWND window) {
     return text;
 }
 
+// The system icon that the box shows: error and notice boxes differ by it.
+UINT IconOf(HWND box) {
+    for (HWND c = ::GetWindow(box, GW_CHILD); c != nullptr; c = ::GetWindow(c, GW_HWNDNEXT))
+        for (const auto& [icon, flag] :
+             {std::make_pair(IDI_ERROR, MB_ICONERROR), std::make_pair(IDI_INFORMATION, MB_ICONINFORMATION)})
+            if ((::GetWindowLongW(c, GWL_STYLE) & SS_TYPEMASK) == SS_ICON &&
+                ::SendMessageW(c, STM_GETICON, 0, 0) == reinterpret_cast<LRESULT>(::LoadIcon(nullptr, icon)))
+                return flag;
+    return 0;
+}
+
 } // namespace
 
 BoxRecorder::BoxRecorder(bool refuse)
@@ -36,7 +47,8 @@ LRESULT CALLBACK BoxRecorder::Shown(int code, WPARAM wParam, LPARAM lParam) {
     const CWPRETSTRUCT* message = reinterpret_cast<const CWPRETSTRUCT*>(lParam);
     if (code == HC_ACTION && message->message == WM_INITDIALOG && t_recorder != nullptr &&
         IsDialog(message->hwnd)) {
-        t_recorder->boxes_.push_back(Box{TextOf(message->hwnd), TextOf(::GetDlgItem(message->hwnd, 0xFFFF))});
+        t_recorder->boxes_.push_back(
+            Box{TextOf(message->hwnd), TextOf(::GetDlgItem(message->hwnd, 0xFFFF)), IconOf(message->hwnd)});
         ::PostMessageW(message->hwnd, WM_COMMAND, IDOK, 0);
     }
     return ::CallNextHookEx(nullptr, code, wParam, lParam);

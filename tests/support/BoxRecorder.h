@@ -9,6 +9,7 @@ namespace TestSupport {
 
 struct Box {
     std::wstring caption, text;
+    UINT icon; // MB_ICONERROR, MB_ICONINFORMATION, or 0 for any other
 };
 
 // Hooks the calling thread's window messages: a dialog that has taken its text is recorded and

@@ -40,10 +40,12 @@ std::wstring Heading(const std::string& name) {
            L"\"!\r\nFile: \"Tovarin.cpp\"\r\nLine: ";
 }
 
-void ExpectOneBox(BoxRecorder& boxes, const std::string& name, std::initializer_list<std::wstring> pieces) {
+void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector<std::wstring>& pieces,
+                  UINT icon) {
     const std::vector<Box> shown = boxes.Boxes();
     boxes.Clear();
     ASSERT_EQ(shown.size(), 1u) << name << (shown.empty() ? "" : "\n" + Narrow(shown[0].text));
+    EXPECT_EQ(shown[0].icon, icon);
     EXPECT_EQ(shown[0].text.find(Heading(name)), 0u) << Narrow(shown[0].text);
     for (const std::wstring& piece : pieces)
         EXPECT_NE(shown[0].text.find(piece), std::wstring::npos) << Narrow(piece) << "\nnot in\n"
@@ -54,14 +56,6 @@ void ExpectNoBox(BoxRecorder& boxes) {
     const std::vector<Box> shown = boxes.Boxes();
     boxes.Clear();
     EXPECT_TRUE(shown.empty()) << Narrow(shown[0].text);
-}
-
-std::vector<int> LinesOf(const std::wstring& text) {
-    std::vector<int> lines;
-    const std::wstring label = L"\r\nLine: ";
-    for (size_t at = text.find(label); at != std::wstring::npos; at = text.find(label, at + 1))
-        lines.push_back(std::stoi(text.substr(at + label.size())));
-    return lines;
 }
 
 CurrentFolder::CurrentFolder(const std::wstring& folder) : folder_(folder), saved_(MAX_PATH, L'\0') {

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <initializer_list>
 #include <stdexcept>
 #include <tuple>
 #include <type_traits>
@@ -114,12 +113,11 @@ const ExportRow& ExportOf(const std::string& name);
 
 // The heading of a failure of export `name`: its signature, "Tovarin.cpp" and "Line: ".
 std::wstring Heading(const std::string& name);
-// Exactly one box since the last Clear, opening with the heading of `name` and holding each piece;
-// the boxes are cleared afterwards.
-void ExpectOneBox(BoxRecorder& boxes, const std::string& name, std::initializer_list<std::wstring> pieces);
+// Exactly one box since the last Clear, with the icon, opening with the heading of `name` and holding
+// each piece; the boxes are cleared afterwards.
+void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector<std::wstring>& pieces,
+                  UINT icon = MB_ICONERROR);
 void ExpectNoBox(BoxRecorder& boxes);
-// The numbers that follow "\r\nLine: " in a text, in order.
-std::vector<int> LinesOf(const std::wstring& text);
 
 // Makes a folder the current folder for its lifetime; Empty() tells whether the folder is empty.
 class CurrentFolder {

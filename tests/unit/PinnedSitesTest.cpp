@@ -70,7 +70,7 @@ TEST(PinnedSites, TextsShowTheirFileAndLine) {
     }
 }
 
-// The describer's notice for a shell code is a box, not a throw.
+// The describer's notice for a shell code is a notice box, not a throw.
 TEST(PinnedSites, DescriberNoticeShowsItsFileAndLine) {
     BoxRecorder boxes;
     ::SetLastError(0x71);
@@ -78,6 +78,7 @@ TEST(PinnedSites, DescriberNoticeShowsItsFileAndLine) {
     const std::vector<Box> shown = boxes.Boxes();
     ASSERT_EQ(shown.size(), 1u);
     EXPECT_NE(shown[0].text.find(L"File: \"Utils.Error.cpp\"\r\nLine: 522\r\n"), std::wstring::npos);
+    EXPECT_EQ(shown[0].icon, MB_ICONINFORMATION);
 }
 
 } // namespace

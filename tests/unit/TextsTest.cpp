@@ -1,11 +1,13 @@
-// The failure-text composer's headings and last-error block, and spot checks of the bilingual
-// description tables: an entry, a code without an entry, code 0, the 8-bit copy.
+// The failure-text composer's headings and last-error block, and the bilingual description tables
+// at their edges.
 #include "utils/Utils.CodingStr.h"
 #include "utils/Utils.Error.h"
 
 #include <windows.h>
 
 #include <gtest/gtest.h>
+
+#include <cwchar>
 
 namespace {
 
@@ -15,73 +17,94 @@ std::wstring SystemText(unsigned long code) {
     return buffer;
 }
 
-TEST(Composer, HeadingsByMarker) {
-    const std::pair<const wchar_t*, const wchar_t*> cases[] = {
-        {L"void f(int)[f]\r\nL", L"Ошибка в функции \"void f(int)\"!\r\nL"},
-        {L"int g(long)[f][d]\r\nL", L"Обнаружена ошибка функцией \"int g(long)\"!\r\nL"},
-        {L"int g(long)[f][w]\r\nL", L"Предупреждение функции \"int g(long)\"!\r\nL"},
-        {L"int C::m(long)[x]\r\nL", L"Ошибка в методе \"int C::m(long)\"!\r\nL"},
-        {L"C::operator+(long)[o]\r\nL", L"Ошибка в операторе \"C::operator+(long)\"!\r\nL"},
-        {L"C::operator+(long)[O][D]\r\nL", L"Обнаружена ошибка оператором \"C::operator+(long)\"!\r\nL"},
-        {L"Name[f]\r\nL", L"Ошибка в функции \"Name()\"!\r\nL"},
-        {L"void f(int)", L"Ошибка в методе \"void f(int)\"!"},
-        {L"void f(int)\r\n[f]File", L"Ошибка в функции \"void f(int)\"!\r\nFile"},
-        {L"int a[](int)[f]\r\nL", L"Ошибка в функции \"int a[](int)\"!\r\nL"},
+// Headings by marker; the message, and the last-error block (any error shows as 1) in the system's
+// layout with single line feeds. `lastError` -1: the block is not asked for.
+TEST(Composer, HeadingsMessageAndLastErrorBlock) {
+    const std::wstring f = L"Ошибка в функции \"void f(int)\"!\r\nL\r\n\n";
+    const struct {
+        const wchar_t* where;
+        const wchar_t* text;
+        long lastError;
+        std::wstring composed;
+    } cases[] = {
+        {L"void f(int)[f]\r\nL", L"", -1, L"Ошибка в функции \"void f(int)\"!\r\nL"},
+        {L"int g(long)[f][d]\r\nL", L"", -1, L"Обнаружена ошибка функцией \"int g(long)\"!\r\nL"},
+        {L"int g(long)[f][w]\r\nL", L"", -1, L"Предупреждение функции \"int g(long)\"!\r\nL"},
+        {L"int C::m(long)[x]\r\nL", L"", -1, L"Ошибка в методе \"int C::m(long)\"!\r\nL"},
+        {L"C::operator+(long)[o]\r\nL", L"", -1, L"Ошибка в операторе \"C::operator+(long)\"!\r\nL"},
+        {L"C::operator+(long)[O][D]\r\nL", L"", -1,
+         L"Обнаружена ошибка оператором \"C::operator+(long)\"!\r\nL"},
+        {L"Name[f]\r\nL", L"", -1, L"Ошибка в функции \"Name()\"!\r\nL"},
+        {L"void f(int)", L"", -1, L"Ошибка в методе \"void f(int)\"!"},
+        {L"void f(int)\r\n[f]File", L"", -1, L"Ошибка в функции \"void f(int)\"!\r\nFile"},
+        {L"int a[](int)[f]\r\nL", L"", -1, L"Ошибка в функции \"int a[](int)\"!\r\nL"},
+        {L"void f(int)[f]\r\nL\r\n", L"Сообщение.", -1, f + L"Сообщение.\n"},
+        {L"void f(int)[f]\r\nL\r\n", L"Сообщение.", 5,
+         f + L"Last Error: 1.\n" + SystemText(1) + L"\nСообщение.\n"},
+        {L"void f(int)[f]\r\nL\r\n", L"", 0, f + L"Last Error: 0.\n" + SystemText(0) + L"\n"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(std::wstring(c.first)));
-        EXPECT_EQ(ComposeFailureTextW(c.first, L"", false), c.second);
+        SCOPED_TRACE(testing::PrintToString(std::wstring(c.where)));
+        ::SetLastError(static_cast<DWORD>(c.lastError));
+        EXPECT_EQ(ComposeFailureTextW(c.where, c.text, c.lastError >= 0), c.composed);
     }
 }
 
-TEST(Composer, MessageAndLastErrorBlock) {
-    EXPECT_EQ(ComposeFailureTextW(L"void f(int)[f]\r\nL\r\n", L"Сообщение.", false),
-              L"Ошибка в функции \"void f(int)\"!\r\nL\r\n\nСообщение.\n");
-    ::SetLastError(5); // any error shows as 1
-    EXPECT_EQ(ComposeFailureTextW(L"void f(int)[f]\r\nL\r\n", L"Сообщение.", true),
-              L"Ошибка в функции \"void f(int)\"!\r\nL\r\n\nLast Error: 1.\n" + SystemText(1) +
-                  L"\nСообщение.\n");
-    ::SetLastError(0);
-    EXPECT_EQ(ComposeFailureTextW(L"void f(int)[f]\r\nL\r\n", L"", true),
-              L"Ошибка в функции \"void f(int)\"!\r\nL\r\n\nLast Error: 0.\n" + SystemText(0) + L"\n");
-    ::SetLastError(5);
-    const std::string narrow = ComposeFailureTextA("void f(int)[f]\r\nL\r\n", "message", true);
-    EXPECT_EQ(Utils::CodingStr::AnsiToUnicode(narrow, 1251)
-                  .find(L"Ошибка в функции \"void f(int)\"!\r\nL\r\n\nLast Error: 1.\n"),
-              0u);
-    EXPECT_EQ(narrow.substr(narrow.size() - 9), "\nmessage\n");
-}
-
-const wchar_t kSuccess[] = L"\r\nLast Error: 0.\r\n\r\nThe operation completed successfully.\r\n\r\nОперация "
-                           L"успешно завершена.\r\n\r\n";
-
-std::wstring Block(const std::wstring& code, const std::wstring& english, const std::wstring& russian) {
-    return L"\r\nLast Error: " + code + L".\r\n\r\n" + english + L"\r\n\r\n" + russian + L"\r\n\r\n";
-}
-
-TEST(DescriptionTables, SpotChecks) {
+// Each table at its edges: the first and last code of each run has its entry (its English text
+// begins so), and the 8-bit copy is the same text in code page 1251; a code beside a run has none
+// and gets the system's text; code 0 has one shared entry.
+TEST(DescriptionTables, EntriesAtTheEdgesAndCodesBesideThemFallBackToTheSystem) {
     using namespace Utils::Error;
-    const auto cp1251 = [](const std::string& text) { return Utils::CodingStr::AnsiToUnicode(text, 1251); };
-    const std::wstring internet = Block(L"12001", L"No more handles could be generated at this time.",
-                                        L"Невозможно сгенерировать дополнительные дескрипторы.");
-    EXPECT_EQ(InternetW(12001), internet);
-    EXPECT_EQ(cp1251(InternetA(12001)), internet);
-    EXPECT_EQ(InternetW(12035), SystemDescriptionW(12035)); // no entry
-    EXPECT_EQ(InternetW(0), kSuccess);
-    const std::wstring dialog = Block(L"0x0001",
-                                      L"The lStructSize member of the initialization structure for the "
-                                      L"corresponding common dialog box is invalid.",
-                                      L"Член \"lStructSize\" из структуры инициализации для соответствующего "
-                                      L"стандартного диалогового окна недопустим.");
-    EXPECT_EQ(CommonDialogDescriptionW(0x0001), dialog);
-    EXPECT_EQ(cp1251(CommonDialogDescriptionA(0x0001)), dialog);
-    EXPECT_EQ(CommonDialogDescriptionW(0x2003), SystemDescriptionW(0x2003));
-    EXPECT_EQ(CommonDialogDescriptionW(0), kSuccess);
-    EXPECT_EQ(ShellOperationDescriptionW(0x00071),
-              Block(L"0x00071", L"The source and destination files are the same file.",
-                    L"Пути исходного и конечного файлов одинаковы."));
-    EXPECT_EQ(ShellOperationDescriptionW(0x77), SystemDescriptionW(0x77));
-    EXPECT_EQ(ShellOperationDescriptionW(0), kSuccess);
+    struct Table { // the wide and 8-bit (or null) describers, how a block shows its code, codes with and
+                   // without entries
+        std::wstring (*wide)(long);
+        std::string (*narrow)(long);
+        const wchar_t* code;
+        std::vector<std::pair<long, const wchar_t*>> entries;
+        std::vector<long> beside;
+    };
+    // clang-format off
+    const Table tables[] = {
+        {[](long c) { return InternetW(c); }, [](long c) { return InternetA(c); }, L"%ld",
+         {{12001, L"No more handles"}, {12034, L"A user interface"}, {12036, L"The request failed"},
+          {12050, L"The dialog box should"}, {12052, L"The data being"}, {12057, L"Revocation"},
+          {12110, L"The requested operation cannot be made on the FTP"}, {12112, L"Passive mode"},
+          {12130, L"An error was detected while parsing"}, {12138, L"The locator DWORD"},
+          {12150, L"The requested header"}, {12175, L"WinINet failed"}},
+         {5, 12000, 12035, 12051, 12058, 12109, 12113, 12129, 12139, 12149, 12176}},
+        {[](long c) { return CommonDialogDescriptionW(c); },
+         [](long c) { return CommonDialogDescriptionA(c); }, L"0x%04lX",
+         {{0x0001, L"The lStructSize"}, {0x000C, L"The RegisterWindowMessage"},
+          {0x1001, L"The PrintDlg function failed to load the"}, {0x100C, L"You called"},
+          {0x2001, L"No fonts"}, {0x2002, L"The size specified"}, {0x3001, L"An attempt to"},
+          {0x3003, L"The buffer pointed"}, {0x4001, L"A member of the"},
+          {0xFFFF, L"The dialog box could not"}},
+         {0x000D, 0x1000, 0x100D, 0x2003, 0x3000, 0x3004, 0x4002, 0xFFFE}},
+        {[](long c) { return ShellOperationDescriptionW(c); }, nullptr, L"0x%05lX",
+         {{0x71, L"The source and destination files"}, {0x76, L"The destination is a subtree"},
+          {0x78, L"Security"}, {0x7A, L"The operation involved"}, {0x7C, L"The path in the source"},
+          {0x7E, L"The destination path is an existing file"},
+          {0x80, L"The destination path is an existing folder"}, {0x88, L"The source is a writable"},
+          {0xB7, L"MAX_PATH was"}, {0x402, L"An unknown error"}, {0x10000, L"An unspecified"},
+          {0x10074, L"Destination is a root"}},
+         {0x70, 0x77, 0x7B, 0x7F, 0x89, 0xB6, 0x401, 0xFFFF, 0x10075}}};
+    // clang-format on
+    for (const Table& t : tables) {
+        EXPECT_EQ(t.wide(0),
+                  L"\r\nLast Error: 0.\r\n\r\nThe operation completed successfully.\r\n\r\nОперация "
+                  L"успешно завершена.\r\n\r\n");
+        for (const auto& [code, english] : t.entries) {
+            wchar_t text[16] = {};
+            std::swprintf(text, 16, t.code, code);
+            const std::wstring block = t.wide(code);
+            EXPECT_EQ(block.find(L"\r\nLast Error: " + std::wstring(text) + L".\r\n\r\n" + english), 0u)
+                << code;
+            EXPECT_TRUE(t.narrow == nullptr ||
+                        Utils::CodingStr::AnsiToUnicode(t.narrow(code), 1251) == block);
+        }
+        for (const long code : t.beside)
+            EXPECT_EQ(t.wide(code), SystemDescriptionW(static_cast<unsigned long>(code))) << code;
+    }
 }
 
 } // namespace
