@@ -84,55 +84,55 @@ long TovarinBytesLeft(const long handle)
    return(size < 0 ? -1 : size > pointer ? size - pointer : 0);
   }
 
-// Writers collect lines and hand them to the DLL in one call per this many bytes, whole lines only.
+// Writers collect this many characters of whole lines (a MiB or more) for one DLL call.
 #define TOVARIN_LINES_BATCH 1048576
+
+// Writes text in one DLL call: UTF-16LE (wide), or 8-bit in code page cp through buffer.
+bool TovarinPutText(const long handle, const string &text, const bool wide, const uint cp, uchar &buffer[])
+  {
+   if(wide)
+      return(FileWriteStringW(handle, text) == 2 * StringLen(text));
+   int n = StringToCharArray(text, buffer, 0, StringLen(text), cp);
+   return(n > 0 && FileWriteVoid(handle, buffer, (ulong)n) == (ulong)n);
+  }
+
+// Writes first (a byte-order mark, or "") and the lines, each followed by lineEnd, in one DLL call
+// per TOVARIN_LINES_BATCH characters. The number of lines, -1 after a failure.
+int TovarinPutLines(const long handle, const string &lines[], const string lineEnd, const bool wide, const uint cp,
+                    const string first, uchar &buffer[])
+  {
+   int n = ArraySize(lines);
+   string batch = first;
+   StringReserve(batch, TOVARIN_LINES_BATCH + 1024); // without it the text grows as it goes
+   for(int i = 0; i < n; i++)
+     {
+      batch += lines[i];
+      batch += lineEnd;
+      if(StringLen(batch) < TOVARIN_LINES_BATCH && i < n - 1)
+         continue;
+      if(!TovarinPutText(handle, batch, wide, cp, buffer))
+         return(-1);
+      batch = "";
+      StringReserve(batch, TOVARIN_LINES_BATCH + 1024);
+     }
+   return(n);
+  }
 
 // Writes every string of the array as one UTF-16LE line (as FileWriteStrArrayW does).
 ulong TovarinWriteLinesW(const long handle, const string &lines[])
   {
-   ushort units[];
-   int n = ArraySize(lines), used = 0;
-   for(int i = 0; i < n; i++)
-     {
-      int length = StringLen(lines[i]) + 2;
-      if(ArraySize(units) < used + length && ArrayResize(units, 2 * (used + length)) < 0)
-        {
-         TovarinResizeFailed("TovarinWriteLinesW", 2 * (used + length));
-         return(TOVARIN_FAILED_COUNT);
-        }
-      used += StringToShortArray(lines[i] + "\r\n", units, used, length);
-      if((used >= TOVARIN_LINES_BATCH / 2 || i == n - 1)
-         && FileWriteUShortArray(handle, units, ArraySize(units), 0, used) != (ulong)used)
-         return(TOVARIN_FAILED_COUNT);
-      used = used >= TOVARIN_LINES_BATCH / 2 ? 0 : used;
-     }
-   return((ulong)n);
+   uchar unused[];
+   int n = TovarinPutLines(handle, lines, "\r\n", true, CP_ACP, "", unused);
+   return(n < 0 ? TOVARIN_FAILED_COUNT : (ulong)n);
   }
 
 // Writes every string of the array as one 8-bit line in the system code page (as
-// FileWriteStrArrayA does with the same text): up to its first zero, if it has one.
+// FileWriteStrArrayA does with the same text).
 ulong TovarinWriteLinesA(const long handle, const string &lines[])
   {
    uchar bytes[];
-   int n = ArraySize(lines), used = 0;
-   for(int i = 0; i < n; i++)
-     {
-      int length = 2 * StringLen(lines[i]) + 2;
-      if(ArraySize(bytes) < used + length && ArrayResize(bytes, 2 * (used + length)) < 0)
-        {
-         TovarinResizeFailed("TovarinWriteLinesA", 2 * (used + length));
-         return(TOVARIN_FAILED_COUNT);
-        }
-      int end = used + StringToCharArray(lines[i], bytes, used, StringLen(lines[i]), CP_ACP);
-      while(used < end && bytes[used] != 0)
-         used++;
-      bytes[used++] = 13;
-      bytes[used++] = 10;
-      if((used >= TOVARIN_LINES_BATCH || i == n - 1) && FileWriteVoid(handle, bytes, (ulong)used) != (ulong)used)
-         return(TOVARIN_FAILED_COUNT);
-      used = used >= TOVARIN_LINES_BATCH ? 0 : used;
-     }
-   return((ulong)n);
+   int n = TovarinPutLines(handle, lines, "\r\n", false, CP_ACP, "", bytes);
+   return(n < 0 ? TOVARIN_FAILED_COUNT : (ulong)n);
   }
 
 // Reads the rest of the file as UTF-16LE lines into lines (resized once to their number), as

@@ -13,9 +13,6 @@
 #define TOVARIN_UTF8_BOM  1          // UTF-8 with its byte-order mark EF BB BF
 #define TOVARIN_UTF16     2          // UTF-16LE with its byte-order mark FF FE
 #define TOVARIN_CODEPAGE  3          // 8-bit text in a code page, no mark
-// Characters of text that a writer collects before it hands them to the DLL in one call (1 MiB
-// or more in any encoding).
-#define TOVARIN_BATCH     1048576
 
 // Whole arrays of simple structures in one call each: MQL5 passes the address of the first record.
 // A structure of your own with simple fields only (no strings, dynamic arrays or objects) crosses
@@ -58,10 +55,13 @@ string TovarinPathProblem(const string path)
       return("a dot or a space at the end");
    if(n >= 256 && StringFind(path, "\\\\?\\") != 0)
       return("longer than 255 characters (the long form \\\\?\\D:\\... has no limit)");
-   string names[];
-   for(int i = StringSplit(path, '\\', names) - 1; i >= 0; i--)
-      if(TovarinIsReservedName(names[i]))
-         return("the reserved name \"" + names[i] + "\"");
+   for(int from = 0, end = 0; end >= 0; from = end + 1)
+     {
+      end = StringFind(path, "\\", from);
+      string name = end < 0 ? StringSubstr(path, from) : StringSubstr(path, from, end - from);
+      if(TovarinIsReservedName(name))
+         return("the reserved name \"" + name + "\"");
+     }
    ushort drive = StringGetCharacter(path, 0);
    bool onDrive = ((drive >= 'A' && drive <= 'Z') || (drive >= 'a' && drive <= 'z')) && StringFind(path, ":\\") == 1;
    if(!onDrive && StringFind(path, "\\\\") != 0)
@@ -128,7 +128,7 @@ private:
      }
    // Lines of text: one per LF, less a CR before it, and the text after the last LF; lines is
    // resized once. The number of lines, -1 when lines cannot grow.
-   int               Split(const string text, string &lines[])
+   int               Split(const string &text, string &lines[])
      {
       int length = StringLen(text), n = 0;
       for(int at = StringFind(text, "\n"); at >= 0; at = StringFind(text, "\n", at + 1))
@@ -152,17 +152,6 @@ private:
       TovarinResizeFailed("CTovarinFile", n);
       return(-1);
      }
-   // Writes text in the chosen encoding in one DLL call.
-   bool              Put(const string text)
-     {
-      int length = StringLen(text);
-      if(m_encoding == TOVARIN_UTF16)
-         return(StringToShortArray(text, m_units, 0, length) == length
-                && FileWriteUShortArray(m_handle, m_units, ArraySize(m_units), 0, length) == (ulong)length);
-      int bytes = StringToCharArray(text, m_bytes, 0, length, m_encoding == TOVARIN_CODEPAGE ? m_codepage : CP_UTF8);
-      return(bytes > 0 && FileWriteVoid(m_handle, m_bytes, bytes) == (ulong)bytes);
-     }
-
 public:
                      CTovarinFile(void) { m_handle = TOVARIN_NULL_HANDLE; SetText(TOVARIN_UTF8); }
                     ~CTovarinFile(void) { Close(); }
@@ -284,31 +273,20 @@ public:
       m_codepage = codepage;
      }
    // Writes every string of lines as a line, with the byte-order mark first at the start of the file
-   // for TOVARIN_UTF8_BOM and TOVARIN_UTF16, in one DLL call per TOVARIN_BATCH characters, never
+   // for TOVARIN_UTF8_BOM and TOVARIN_UTF16, in one DLL call per TOVARIN_LINES_BATCH characters, never
    // splitting a line between calls. The number of lines; -1 after a failure.
    int               WriteLines(const string &lines[])
      {
-      int n = ArraySize(lines);
-      string batch = "", end = m_crlf ? "\r\n" : "\n";
-      if(!Ready() || !StringReserve(batch, TOVARIN_BATCH + 1024))
+      string mark = "";
+      if(!Ready())
          return(-1);
       if((m_encoding == TOVARIN_UTF16 || m_encoding == TOVARIN_UTF8_BOM) && TovarinPosition(m_handle) == 0)
         {
-         batch = " ";
-         StringSetCharacter(batch, 0, 0xFEFF);
+         mark = " ";
+         StringSetCharacter(mark, 0, 0xFEFF);
         }
-      for(int i = 0; i < n; i++)
-        {
-         batch += lines[i];
-         batch += end;
-         if(StringLen(batch) < TOVARIN_BATCH && i < n - 1)
-            continue;
-         if(!Put(batch))
-            return(-1);
-         batch = "";
-         StringReserve(batch, TOVARIN_BATCH + 1024);
-        }
-      return(n);
+      return(TovarinPutLines(m_handle, lines, m_crlf ? "\r\n" : "\n", m_encoding == TOVARIN_UTF16,
+                             m_encoding == TOVARIN_CODEPAGE ? m_codepage : CP_UTF8, mark, m_bytes));
      }
    bool              WriteLine(const string line)
      {

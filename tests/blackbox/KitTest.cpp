@@ -110,7 +110,7 @@ TEST_F(Kit, EachFailureIsExplainedOnce) {
     } kFailures[] = {
         {[&] { return mql::TovarinReadLinesW(bad, lines); }, ~0ull, L"FileSetPointerCurrent", nullptr},
         {[&] { return mql::TovarinReadLinesA(bad, lines); }, ~0ull, L"FileSetPointerCurrent", nullptr},
-        {[&] { return mql::TovarinWriteLinesW(bad, one); }, ~0ull, L"FileWriteUShortArray", nullptr},
+        {[&] { return mql::TovarinWriteLinesW(bad, one); }, ~0ull, L"FileWriteStringW", nullptr},
         {[&] { return mql::TovarinWriteLinesA(bad, one); }, ~0ull, L"FileWriteVoid", nullptr},
         {[&] { return +mql::TovarinReadStringA(bad, 4, text); }, 0, L"FileReadVoid", nullptr},
         {[&] { return +mql::TovarinReadStringW(bad, 4, text); }, 0, L"FileReadUShortArray", nullptr},

@@ -15,35 +15,6 @@ string StringSubstr(const string& s, int start, int length) {
     return s.text.substr(start, length < 0 ? std::u16string::npos : static_cast<std::size_t>(length));
 }
 
-int StringSplit(const string& s, ushort separator, Array<string>& parts) {
-    std::vector<string> found;
-    for (std::size_t from = 0, at;; from = at + 1) {
-        at = s.text.find(char16_t(separator), from);
-        found.push_back(s.text.substr(from, at == std::u16string::npos ? at : at - from));
-        if (at == std::u16string::npos)
-            break;
-    }
-    if (s.text.empty() || ArrayResize(parts, static_cast<int>(found.size())) < 0)
-        return s.text.empty() ? 0 : -1;
-    std::copy(found.begin(), found.end(), parts.items.begin());
-    return parts.Size();
-}
-
-// As StringToCharArray, UTF-16 units unconverted.
-int StringToShortArray(const string& s, Array<ushort>& a, int start, int count) {
-    std::vector<ushort> units(s.text.begin(), s.text.begin() + (count < 0 || count > StringLen(s) ? StringLen(s) : count));
-    if (count < 0)
-        units.push_back(0);
-    const int n = static_cast<int>(units.size());
-    if (start < 0)
-        return 0;
-    if (start + n > a.Size() && !a.fixed)
-        ArrayResize(a, start + n);
-    const int copied = std::max(0, std::min(n, a.Size() - start));
-    std::copy(units.begin(), units.begin() + copied, a.items.begin() + start);
-    return copied;
-}
-
 // count -1 takes the whole text and its terminating 0; a dynamic array grows to hold them, a static
 // one takes what fits.
 int StringToCharArray(const string& s, Array<uchar>& a, int start, int count, uint cp) {

@@ -119,8 +119,6 @@ inline bool StringReserve(string& s, uint capacity) {
     return s.text.reserve(capacity), true;
 }
 string StringSubstr(const string& s, int start, int length = -1);
-int StringSplit(const string& s, ushort separator, Array<string>& parts);
-int StringToShortArray(const string& s, Array<ushort>& a, int start = 0, int count = -1);
 int StringToCharArray(const string& s, Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
 string CharArrayToString(const Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
 inline string ShortArrayToString(const Array<ushort>& a, int start = 0, int count = -1) {

@@ -18,7 +18,7 @@ KEYWORDS = set("if else for while do return break continue struct class public p
                "true false input".split())
 BUILTINS = set("ArrayResize ArraySize ArrayFree StringLen StringToCharArray CharArrayToString ShortArrayToString "
                "StringGetCharacter StringSetCharacter StringReplace Print PrintFormat CopyRates TerminalInfoString "
-               "MQLInfoInteger GetLastError EnumToString StringFind StringSubstr StringSplit StringToShortArray sizeof "
+               "MQLInfoInteger GetLastError EnumToString StringFind StringSubstr sizeof "
                "CopyTicks DoubleToString EventSetTimer StringReserve".split())
 CPP_ONLY = set("alignas alignof and asm auto bitand bitor case catch char16_t char32_t compl concept const_cast "
                "constexpr decltype default delete dynamic_cast enum explicit export extern friend goto inline mutable "
