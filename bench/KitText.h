@@ -9,9 +9,9 @@ namespace KitText {
 void SetLines(unsigned count, const std::u16string& line);
 // Opens `path` for reading and writing through CTovarinFile; its system handle, or null.
 void* Open(const std::wstring& path);
-bool WriteLines();          // all the lines, UTF-8 and CR LF, from the pointer on
-bool ReadLines();           // from the start to the end of the file
-bool ReadBackIsTheLines();  // what ReadLines found
+bool WriteLines();         // all the lines, UTF-8 and CR LF, from the pointer on
+bool ReadLines();          // from the start to the end of the file
+bool ReadBackIsTheLines(); // what ReadLines found
 void Close();
 
 } // namespace KitText

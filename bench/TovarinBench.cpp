@@ -707,8 +707,10 @@ void KitTextCases(const Files& files, const Sizes& sizes) {
     const std::u16string line = u"2024.01.02 10:00:00,EURUSD,buy,1.1050,\u00e9\u20ac";
     const auto* wide = reinterpret_cast<const wchar_t*>(line.c_str());
     const int length = static_cast<int>(line.size());
-    std::string expected, encoded(::WideCharToMultiByte(CP_UTF8, 0, wide, length, nullptr, 0, nullptr, nullptr), 0);
-    ::WideCharToMultiByte(CP_UTF8, 0, wide, length, &encoded[0], static_cast<int>(encoded.size()), nullptr, nullptr);
+    std::string expected,
+        encoded(::WideCharToMultiByte(CP_UTF8, 0, wide, length, nullptr, 0, nullptr, nullptr), 0);
+    ::WideCharToMultiByte(CP_UTF8, 0, wide, length, &encoded[0], static_cast<int>(encoded.size()), nullptr,
+                          nullptr);
     for (unsigned i = 0; i < n; ++i)
         expected += encoded + "\r\n";
     KitText::SetLines(n, line);
@@ -731,8 +733,9 @@ void KitTextCases(const Files& files, const Sizes& sizes) {
                                  const size_t at = batch.size();
                                  const auto* text = reinterpret_cast<const wchar_t*>(lines[i].c_str());
                                  batch.resize(at + 3 * lines[i].size() + 2);
-                                 const int made = ::WideCharToMultiByte(CP_UTF8, 0, text, static_cast<int>(lines[i].size()),
-                                                                        &batch[at], static_cast<int>(3 * lines[i].size()), nullptr, nullptr);
+                                 const int made = ::WideCharToMultiByte(
+                                     CP_UTF8, 0, text, static_cast<int>(lines[i].size()), &batch[at],
+                                     static_cast<int>(3 * lines[i].size()), nullptr, nullptr);
                                  batch.resize(at + made);
                                  batch += "\r\n";
                                  if (batch.size() >= (1u << 20) || i + 1 == lines.size()) {
@@ -743,26 +746,29 @@ void KitTextCases(const Files& files, const Sizes& sizes) {
                              return ok;
                          },
                          [r, &expected] { return Holds(r, expected.data(), expected.size()); }};
-    Add("7. text write: CTovarinFile UTF-8 lines", "line", Compare("text write", writeT, writeR, repetitions, 1), n,
-        1.3, false, false);
-    const Side readT = {[] {}, [] { return KitText::ReadLines(); }, [] { return KitText::ReadBackIsTheLines(); }};
-    const Side readR = {[r, &back] { Rewind(r), back.clear(); },
-                        [r, &back] {
-                            const unsigned long long size = FileGetSize(r);
-                            std::string bytes(size, 0);
-                            if (FileReadVoid(r, &bytes[0], size) != size)
-                                return false;
-                            std::u16string text(::MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(size), nullptr, 0), 0);
-                            ::MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(size), reinterpret_cast<wchar_t*>(&text[0]),
-                                                  static_cast<int>(text.size()));
-                            back.reserve(std::count(text.begin(), text.end(), u'\n'));
-                            for (size_t from = 0, end; (end = text.find(u'\n', from)) != text.npos; from = end + 1)
-                                back.emplace_back(text, from, end - from - (end > from && text[end - 1] == u'\r'));
-                            return true;
-                        },
-                        [&back, &lines] { return back == lines; }};
-    Add("7. text read: CTovarinFile UTF-8 lines", "line", Compare("text read", readT, readR, repetitions, 1), n, 1.3,
-        false, false);
+    Add("7. text write: CTovarinFile UTF-8 lines", "line",
+        Compare("text write", writeT, writeR, repetitions, 1), n, 1.3, false, false);
+    const Side readT = {[] {}, [] { return KitText::ReadLines(); },
+                        [] { return KitText::ReadBackIsTheLines(); }};
+    const Side readR = {
+        [r, &back] { Rewind(r), back.clear(); },
+        [r, &back] {
+            const unsigned long long size = FileGetSize(r);
+            std::string bytes(size, 0);
+            if (FileReadVoid(r, &bytes[0], size) != size)
+                return false;
+            std::u16string text(
+                ::MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(size), nullptr, 0), 0);
+            ::MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(size),
+                                  reinterpret_cast<wchar_t*>(&text[0]), static_cast<int>(text.size()));
+            back.reserve(std::count(text.begin(), text.end(), u'\n'));
+            for (size_t from = 0, end; (end = text.find(u'\n', from)) != text.npos; from = end + 1)
+                back.emplace_back(text, from, end - from - (end > from && text[end - 1] == u'\r'));
+            return true;
+        },
+        [&back, &lines] { return back == lines; }};
+    Add("7. text read: CTovarinFile UTF-8 lines", "line", Compare("text read", readT, readR, repetitions, 1),
+        n, 1.3, false, false);
     KitText::Close();
     FileCloseHandle(r);
 }
@@ -794,7 +800,8 @@ int main(int argc, char** argv) {
         } else if (std::strcmp(argv[i], "--only") == 0 && i + 1 < argc) {
             only = argv[++i];
         } else {
-            std::fprintf(stderr, "usage: TovarinBench [--smoke] [--only scalar,bulk,strings,open,threads,text]\n");
+            std::fprintf(stderr,
+                         "usage: TovarinBench [--smoke] [--only scalar,bulk,strings,open,threads,text]\n");
             return 2;
         }
     }

@@ -23,7 +23,8 @@ int StringToCharArray(const string& s, Array<uchar>& a, int start, int count, ui
     static thread_local std::vector<char> bytes; // one conversion into room enough for any code page
     if (bytes.size() < 3 * static_cast<std::size_t>(chars) + 1)
         bytes.resize(3 * static_cast<std::size_t>(chars) + 1);
-    int n = chars == 0 ? 0 : ::WideCharToMultiByte(cp, 0, wide, chars, bytes.data(), 3 * chars, nullptr, nullptr);
+    int n =
+        chars == 0 ? 0 : ::WideCharToMultiByte(cp, 0, wide, chars, bytes.data(), 3 * chars, nullptr, nullptr);
     if (count < 0)
         bytes[n++] = 0;
     if (start < 0)

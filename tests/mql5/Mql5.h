@@ -223,8 +223,10 @@ enum ENUM_COPY_TICKS { COPY_TICKS_ALL };
 inline int CopyTicks(const string& symbol, Array<MqlTick>& ticks, ENUM_COPY_TICKS, ulong, uint count) {
     if (symbol != _Symbol || ArrayResize(ticks, count) != int(count))
         return -1;
-    for (uint i = 0; i < count; ++i)
-        ticks[i] = {1704067200 + i, 1.1 + i % 7 * 1e-5, 1.1002 + i % 3 * 1e-5, 0, i % 4, 1704067200000LL + 1000 * i, 6, 0};
+    for (uint i = 0; i < count; ++i) {
+        const double bid = 1.1 + i % 7 * 1e-5;
+        ticks[i] = {1704067200 + i, bid, bid + 2e-4, 0, i % 4, 1704067200000LL + 1000 * i, 6, 0};
+    }
     return count;
 }
 const int _Digits = 5, INIT_SUCCEEDED = 0, INIT_FAILED = 1, INIT_PARAMETERS_INCORRECT = 32767;
