@@ -82,7 +82,7 @@ private:
    bool              m_crlf;
    uint              m_codepage;
    uchar             m_bytes[];     // text on its way to and from the file, kept between calls
-   ushort            m_units[];
+   ushort            m_units[];     // UTF-16 text read
 
    bool              Ready(void)
      {
@@ -115,16 +115,21 @@ private:
       m_encoding = TOVARIN_UTF16;
       return(2);
      }
-   string            Decode(const int begin, const int end)
+   // m_bytes[begin .. end - 1] as text in the encoding; false when there is no memory for it.
+   bool              Decode(const int begin, const int end, string &text)
      {
-      if(m_encoding != TOVARIN_UTF16)
-         return(end > begin ? CharArrayToString(m_bytes, begin, end - begin, m_encoding == TOVARIN_CODEPAGE ? m_codepage : CP_UTF8) : "");
       int n = (end - begin) / 2;
-      if(ArrayResize(m_units, n) != n && NoMemory(n) < 0)
-         return("");
+      text = "";
+      if(m_encoding != TOVARIN_UTF16 && end > begin)
+         text = CharArrayToString(m_bytes, begin, end - begin, m_encoding == TOVARIN_CODEPAGE ? m_codepage : CP_UTF8);
+      if(m_encoding != TOVARIN_UTF16 || n == 0)
+         return(true);
+      if(ArrayResize(m_units, n) != n)
+         return(NoMemory(n) > 0);
       for(int i = 0; i < n; i++)
          m_units[i] = (ushort)(m_bytes[begin + 2 * i] | (m_bytes[begin + 2 * i + 1] << 8));
-      return(n > 0 ? ShortArrayToString(m_units, 0, n) : "");
+      text = ShortArrayToString(m_units, 0, n);
+      return(true);
      }
    // Lines of text: one per LF, less a CR before it, and the text after the last LF; lines is
    // resized once. The number of lines, -1 when lines cannot grow.
@@ -201,7 +206,7 @@ public:
      {
       long pointer = 0;
       long from = !Ready() ? -1 : origin == SEEK_CUR ? TovarinPosition(m_handle) : origin == SEEK_END ? TovarinSize(m_handle, pointer) : 0;
-      return(from >= 0 && TovarinSeek(m_handle, from + offset)); // before the start: to it
+      return(from >= 0 && TovarinSeek(m_handle, from + offset));
      }
    void              Flush(void) { if(Ready()) FileFlushApply(m_handle); }
 
@@ -321,7 +326,11 @@ public:
          last -= step;
       if(last < end && FileSetPointerCurrent(m_handle, last - end) < 0)
          return(-1);
-      return(Split(Decode(begin, last), lines));
+      string text;
+      int n = Decode(begin, last, text) ? Split(text, lines) : -1;
+      if(n < 0)
+         TovarinSeek(m_handle, pointer); // no memory for the lines: they stay for the next call
+      return(n);
      }
   };
 //+------------------------------------------------------------------+

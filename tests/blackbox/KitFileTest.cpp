@@ -194,6 +194,13 @@ TEST(KitFile, BadSlicesNeverReachTheDll) {
     EXPECT_FALSE(closed.Write(1.0) || closed.Read(a[0]) || closed.Seek(0, mql::SEEK_END_));
     EXPECT_EQ(watch.Take(), Seen(0, 5, 0));
     EXPECT_EQ(file.Size(), 0u);
+    // No memory for the lines read: -1, a line in the log, and the lines left for the next call.
+    Array<mql::string> read;
+    file.WriteLine(u"a"_s), file.Seek(0, mql::SEEK_SET_), watch.Take(), mql::resizesBeforeFailure = 0;
+    EXPECT_EQ(file.ReadLines(read), -1);
+    EXPECT_EQ(std::get<1>(watch.Take()), 1u);
+    EXPECT_EQ(file.Tell(), 0u);
+    EXPECT_EQ(file.ReadLines(read), 1);
 }
 
 // Open maps MQL5's flags as FileOpen does, the destructor closes (the second call), and a path that
