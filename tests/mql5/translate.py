@@ -69,7 +69,8 @@ class Translator:
         at = {i: k for k, i in enumerate(sig)}
         word = lambda k: toks[sig[k]][2] if 0 <= k < len(sig) else ""  # the k-th significant token
         self.types |= set(re.findall(r"\b(?:struct|class)\s+(\w+)", text))
-        self.structs |= set(re.findall(r"\bstruct\s+(\w+)", text))
+        self.structs |= {name for name, body in re.findall(r"\bstruct\s+(\w+)\s*\{([^}]*)\}", text)
+                         if not re.search(r"\bstring\b|\[", body)}  # simple: no strings, no arrays
         self.functions |= {word(k + 1) for k in range(len(sig)) if word(k) in self.types | {"~"} and word(k + 2) == "("}
         stem = re.sub(r"\W", "_", os.path.basename(self.path).rsplit(".", 1)[0])
         opening = "namespace mql { namespace %s {" % stem if self.path.endswith(".mq5") else "namespace mql {"
