@@ -2,7 +2,7 @@
 BUILD := build/mingw
 WINE_RUN := scripts/wine-run.sh $(BUILD)
 
-.PHONY: all deps configure build test demo dist bench format clean
+.PHONY: all deps configure build test test-clang demo dist bench format clean
 
 all: build
 
@@ -18,6 +18,14 @@ build: configure
 test: build
 	@scripts/wine-prefix.sh $(BUILD)
 	@ctest --preset mingw -j2
+
+# The same build and suite with the second compiler (clang and lld), in build/clang.
+test-clang:
+	@scripts/install-deps.sh clang
+	@cmake --preset clang >/dev/null
+	@cmake --build --preset clang
+	@scripts/wine-prefix.sh build/clang
+	@ctest --preset clang -j2
 
 demo: build
 	@$(WINE_RUN) $(BUILD)/bin/TovarinDemo.exe

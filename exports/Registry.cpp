@@ -61,8 +61,9 @@ FilePtr PtrCFile(void* const handle) {
     const Registry::iterator entry = Find(kPtrCFile, handle);
     if (!entry->second) {
         Files().erase(entry);
-        TOVARIN_REGISTRY_THROW(kPtrCFile, L"Несуществующий или устаревший или закрытый системный дескриптор "
-                                          L"файла из-за ошибки функции WinAPI.");
+        const wchar_t* const stale = L"Несуществующий или устаревший или закрытый системный дескриптор "
+                                     L"файла из-за ошибки функции WinAPI.";
+        TOVARIN_REGISTRY_THROW(kPtrCFile, stale);
     }
     return entry->second;
 }

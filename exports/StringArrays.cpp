@@ -148,16 +148,19 @@ void Place(Char** array, const unsigned __int64 index, const unsigned __int64 ca
     if (length == 0)
         return;
     Char* buffer = array[index];
-    if (buffer == nullptr)
-        TOVARIN_THROW(kReadByPtr, false,
-                      L"Отсутствует буфер строки массива: указатель равен нулю.\r\nЭлемент массива: " +
-                          std::to_wstring(index));
+    if (buffer == nullptr) {
+        const std::wstring text =
+            L"Отсутствует буфер строки массива: указатель равен нулю.\r\nЭлемент массива: " +
+            std::to_wstring(index);
+        TOVARIN_THROW(kReadByPtr, false, text);
+    }
     // The host's buffer must hold the whole line; no terminating zero is written.
-    if (length > capacity)
-        TOVARIN_THROW(kReadByPtr, false,
-                      L"Буфер строки массива меньше прочитанной строки.\r\nЭлемент массива: " +
-                          std::to_wstring(index) + L"\r\nДлина строки: " + std::to_wstring(length) +
-                          L"\r\nРазмер буфера: " + std::to_wstring(capacity));
+    if (length > capacity) {
+        const std::wstring text = L"Буфер строки массива меньше прочитанной строки.\r\nЭлемент массива: " +
+                                  std::to_wstring(index) + L"\r\nДлина строки: " + std::to_wstring(length) +
+                                  L"\r\nРазмер буфера: " + std::to_wstring(capacity);
+        TOVARIN_THROW(kReadByPtr, false, text);
+    }
     std::memcpy(buffer, piece, length * sizeof(Char));
 }
 

@@ -1,13 +1,18 @@
 #!/usr/bin/env python3
 """Checks the release zip: exactly the kit's files, laid out as a terminal's data folder (MQL5/...)
 plus c/ and README.txt, each the same bytes as the file it was made from (README.txt with CR LF line
-ends, for Notepad, whatever the line ends of the checkout).
+ends, for Notepad, whatever the line ends of the checkout). The import library in c/ has the name
+README.md gives it for the toolchain that made it.
 
     scripts/check-dist.py ZIP DLL IMPORT_LIBRARY      # from the source folder
 """
 import os
 import sys
 import zipfile
+
+# The import library each toolchain ships, as README.md's install table names it: MinGW-w64 GCC and
+# clang make Tovarin.dll.a, MSVC makes Tovarin.lib.
+IMPORT_LIBRARIES = {"Tovarin.dll.a", "Tovarin.lib"}
 
 
 def main(zip_path, dll, import_library):
@@ -26,6 +31,8 @@ def main(zip_path, dll, import_library):
     with zipfile.ZipFile(zip_path) as archive:
         names = {n for n in archive.namelist() if not n.endswith("/")}
         problems = ["missing: " + n for n in sorted(set(sources) - names)]
+        if os.path.basename(import_library) not in IMPORT_LIBRARIES:
+            problems.append("an import library README.md does not name: " + os.path.basename(import_library))
         problems += ["not part of the kit: " + n for n in sorted(names - set(sources))]
         for name in sorted(names & set(sources)):
             with open(sources[name], "rb") as f:

@@ -9,16 +9,17 @@ return addresses) and the reference section of README.md (between its "exports:b
 "exports:end" marks). The outputs are committed as plain sources; `make test` runs the check.
 After editing the list:
 
-    scripts/generate-exports.py            # rewrite the files (C/C++ through clang-format)
+    scripts/generate-exports.py            # rewrite the files
     scripts/generate-exports.py --check    # fail when a committed file differs from the list
 """
 import argparse
 import os
-import subprocess
+import re
 import sys
 from collections import namedtuple
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+COLUMNS = 110  # the C and C++ sources' line length (.clang-format); the generator lays its files out itself
 
 # ---------------------------------------------------------------------------------------------
 # Families: header group title, the group's comment (what it does, result after a failure).
@@ -319,6 +320,7 @@ HEADER_TOP = """\
  * neutral result that its group names. A handle is the value an open or create function returned.
  * A functions take text in the system code page, W functions UTF-16.
  * %s */
+/* clang-format off */
 #ifndef TOVARIN_H
 #define TOVARIN_H
 
@@ -357,10 +359,10 @@ HEADER_TOP = """\
 #define TOVARIN_TO_END 0xFFFFFFFFFFFFFFFFULL
 
 /* Neutral results after a failure. */
-#define TOVARIN_NULL_HANDLE 0                          /* open and create */
-#define TOVARIN_FAILED_WRITE (-1)                      /* int results of the single-value writes */
-#define TOVARIN_FAILED_POSITION (-1)                   /* file pointer functions */
-#define TOVARIN_FAILED_COUNT 0xFFFFFFFFFFFFFFFFULL     /* arrays, string arrays, raw blocks */
+#define TOVARIN_NULL_HANDLE 0                      /* open and create */
+#define TOVARIN_FAILED_WRITE (-1)                  /* int results of the single-value writes */
+#define TOVARIN_FAILED_POSITION (-1)               /* file pointer functions */
+#define TOVARIN_FAILED_COUNT 0xFFFFFFFFFFFFFFFFULL /* arrays, string arrays, raw blocks */
 
 /* The host's string records: the capacity of the buffer in characters and its address, packed to
  * 12 bytes with the address at byte 4. */
@@ -369,11 +371,11 @@ HEADER_TOP = """\
 namespace MT {
 struct _MQLSTRA {
     int length;
-    char *pointer;
+    char* pointer;
 };
 struct _MQLSTRW {
     int length;
-    wchar_t *pointer;
+    wchar_t* pointer;
 };
 } // namespace MT
 typedef MT::_MQLSTRA TovarinMqlStrA;
@@ -381,11 +383,11 @@ typedef MT::_MQLSTRW TovarinMqlStrW;
 #else
 typedef struct TovarinMqlStrA {
     int length;
-    char *pointer;
+    char* pointer;
 } TovarinMqlStrA;
 typedef struct TovarinMqlStrW {
     int length;
-    wchar_t *pointer;
+    wchar_t* pointer;
 } TovarinMqlStrW;
 #endif
 #pragma pack(pop)
@@ -404,6 +406,23 @@ HEADER_BOTTOM = """
 """
 
 
+def left_pointer(ctype):
+    """A type as the repository's C and C++ spell it: "void *const" as "void* const"."""
+    return re.sub(r" (\*+)(?=\w)", r"\1 ", re.sub(r" (\*+)$", r"\1", ctype))
+
+
+def wrapped(head, items, tail):
+    """head + items joined by ", " + tail in lines of at most COLUMNS, continued under the first item."""
+    pieces = [item + "," for item in items[:-1]] + [items[-1] + tail]
+    lines = [head + pieces[0]]
+    for piece in pieces[1:]:
+        if len(lines[-1]) + 1 + len(piece) > COLUMNS:
+            lines.append(" " * len(head) + piece)
+        else:
+            lines[-1] += " " + piece
+    return "\n".join(lines) + "\n"
+
+
 def make_header():
     out = [HEADER_TOP]
     for family, group in family_groups():
@@ -413,9 +432,9 @@ def make_header():
         for comment, exports in comments_of(group):
             out.append("/* %s */\n" % comment_text(exports, lambda t: t))
             for e in exports:
-                params = ", ".join("%s%s%s" % (c_type(t), "" if t.endswith("*") else " ", n) for t, n in e.params)
-                joint = "" if e.result.endswith("*") else " "
-                out.append("TOVARIN_API %s%s__cdecl %s(%s);\n" % (e.result, joint, e.name, params))
+                head = "TOVARIN_API %s __cdecl %s(" % (left_pointer(e.result), e.name)
+                params = ["%s %s" % (left_pointer(c_type(t)), n) for t, n in e.params]
+                out.append(wrapped(head, params, ");"))
     out.append(HEADER_BOTTOM)
     return "".join(out)
 
@@ -513,7 +532,7 @@ def mql_imports(keep):
 
 
 def make_mqh():
-    with open(os.path.join(ROOT, HELPERS), encoding="utf-8", newline="") as f:
+    with open(os.path.join(ROOT, HELPERS), encoding="utf-8") as f:
         helpers = f.read().split("\n", 1)[1]  # without its first line, which says where it goes
     # Plain MQL5 passes no arrays of addresses, no records with an address and takes no address back.
     for e in EXPORTS:
@@ -553,7 +572,7 @@ def make_reference():
 
 
 def make_readme():
-    with open(os.path.join(ROOT, "README.md"), encoding="utf-8", newline="") as f:
+    with open(os.path.join(ROOT, "README.md"), encoding="utf-8") as f:
         text = f.read()
     begin = text.index(README_BEGIN) + len(README_BEGIN)
     end = text.index(README_END)
@@ -568,6 +587,7 @@ ROWS_TOP = """\
 // %s
 // The signature text of each export, as its failure texts show it, and the neutral result it returns
 // after a failure; the exports' source takes both from here.
+// clang-format off
 #pragma once
 #include "Frame.h"
 
@@ -581,10 +601,8 @@ ROWS_BOTTOM = """
 } // namespace Project
 
 // X(name) for each export, in the order of the exports' source.
-// clang-format off
 #define TOVARIN_EXPORTS(X) \\
 %s
-// clang-format on
 """
 
 
@@ -601,25 +619,18 @@ def cpp_neutral(e):
 def make_rows():
     out = [ROWS_TOP % GENERATED]
     for e in EXPORTS:
-        if e.neutral == "none":
-            out.append('inline constexpr Row<void> %s = {"%s"};\n' % (e.name, signature(e)))
-        else:
-            out.append('inline constexpr Row<%s> %s = {"%s", %s};\n' % (e.result, e.name, signature(e), cpp_neutral(e)))
+        head = "inline constexpr Row<%s> %s = {" % (left_pointer(e.result), e.name)
+        body = '"%s"' % signature(e) + ("" if e.neutral == "none" else ", " + cpp_neutral(e)) + "};"
+        # A signature stays whole on one line, so that its text can be searched for.
+        out.append(head + body + "\n" if len(head + body) <= COLUMNS else head + "\n    " + body + "\n")
     names = " \\\n".join("    X(%s)" % e.name for e in EXPORTS)
     return "".join(out) + ROWS_BOTTOM % names
 
 
 # ---------------------------------------------------------------------------------------------
-def clang_format(text, path):
-    done = subprocess.run(["clang-format", "--assume-filename=" + path, "--style=file"], input=text.encode(),
-                          stdout=subprocess.PIPE, check=True, cwd=ROOT)
-    return done.stdout.decode()
-
-
-OUTPUTS = [("exports/Tovarin.def", make_def, False), ("exports/ExportRows.h", make_rows, True),
-           ("include/Tovarin.h", make_header, True),
-           ("mql5/Include/Tovarin.mqh", make_mqh, False), ("mql5/Include/TovarinRaw.mqh", make_raw_mqh, False),
-           ("README.md", make_readme, False)]
+OUTPUTS = [("exports/Tovarin.def", make_def), ("exports/ExportRows.h", make_rows), ("include/Tovarin.h", make_header),
+           ("mql5/Include/Tovarin.mqh", make_mqh), ("mql5/Include/TovarinRaw.mqh", make_raw_mqh),
+           ("README.md", make_readme)]
 
 
 def main():
@@ -627,13 +638,11 @@ def main():
     parser.add_argument("--check", action="store_true", help="compare instead of writing")
     options = parser.parse_args()
     stale = []
-    for relative, make, formatted in OUTPUTS:
+    for relative, make in OUTPUTS:
         text = make()
-        if formatted:
-            text = clang_format(text, relative)
         path = os.path.join(ROOT, relative)
         if options.check:
-            with open(path, encoding="utf-8", newline="") as f:
+            with open(path, encoding="utf-8") as f:  # any line ends: a checkout may have CR LF
                 if f.read() != text:
                     stale.append(relative)
         else:

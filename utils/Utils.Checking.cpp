@@ -75,9 +75,10 @@ void Log(const std::wstring& message) {
 void DirectRefused(Instance instance, const std::wstring& method, unsigned __int64 total,
                    unsigned __int64 start, unsigned __int64 count) {
     // Asking for nothing is an error, not an empty result.
-    if (count == 0)
-        TOVARIN_THROW_AT(TOVARIN_SITE(Signature(instance)), "[f][d]", false,
-                         L"В методе\n" + method + L"\r\nОтсутствует количество элементов.");
+    if (count == 0) {
+        const std::wstring message = L"В методе\n" + method + L"\r\nОтсутствует количество элементов.";
+        TOVARIN_THROW_AT(TOVARIN_SITE(Signature(instance)), "[f][d]", false, message);
+    }
     // With a zero total any start is beyond the end: both lines stand.
     RefuseRange(instance, RangeMessage(method, total == 0, true, total, start, count));
 }

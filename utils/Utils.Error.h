@@ -120,7 +120,8 @@ constexpr unsigned int kErrorStyle = 0x50010;  // MB_ICONERROR|MB_SETFOREGROUND|
 
 // The one way to throw: TOVARIN_THROW(signature text, with last error?, message expression), or
 // TOVARIN_THROW_AT(site, markers, with last error?, message) for a fixed site or other markers.
-// The last error is saved before the message is built.
+// The last error is saved before the message is built. Write each call on one line (build a long
+// message in a local first): compilers disagree on __LINE__ in a call over several lines.
 #define TOVARIN_THROW_AT(site, markers, withLastError, message)                                              \
     do {                                                                                                     \
         const unsigned long tovarinLastError_ = ::Utils::Error::detail::LastError();                         \

@@ -615,8 +615,8 @@ std::wstring ShellDescriptionOfLastError() {
 }
 
 std::wstring UnknownCodeType() {
-    const Site site = TOVARIN_FIXED_SITE(TOVARIN_WSTRING " __cdecl Utils::Error::DescriptionW<T>(T)",
-                                         kDescriberSource, __LINE__);
+    const char* const signature = TOVARIN_WSTRING " __cdecl Utils::Error::DescriptionW<T>(T)";
+    const Site site = TOVARIN_FIXED_SITE(signature, kDescriberSource, __LINE__);
     ShowNoticeW(L"Utils::Error::DescriptionW",
                 ComposeFailureTextW(
                     WhereW(site),

@@ -89,9 +89,11 @@ bool FileOperation(const std::wstring& from, const std::wstring& to, const unsig
         FOF_MULTIDESTFILES | FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOCONFIRMMKDIR | FOF_NOERRORUI;
     operation.fAnyOperationsAborted = TRUE;
     ::SetLastError(0);
-    if (wFunc < FO_MOVE || wFunc > FO_RENAME)
-        TOVARIN_THROW(kFileOperation, false,
-                      L"Неверно выбран параметр выбора операции.\r\nwFunc = " + std::to_wstring(wFunc));
+    if (wFunc < FO_MOVE || wFunc > FO_RENAME) {
+        const std::wstring text =
+            L"Неверно выбран параметр выбора операции.\r\nwFunc = " + std::to_wstring(wFunc);
+        TOVARIN_THROW(kFileOperation, false, text);
+    }
     CheckAbsolutePath(TOVARIN_SITE(kFileOperation), from);
     if (wFunc != FO_DELETE)
         CheckAbsolutePath(TOVARIN_SITE(kFileOperation), to);
@@ -107,9 +109,10 @@ bool SymbolicLink(const std::wstring& link, const std::wstring& target, const bo
     // The target is not resolved here: a relative target is the system's to resolve, from the
     // link's folder, whenever the link is followed.
     const FolderStep step = CreateFolder(link);
-    if (!step.made)
-        TOVARIN_THROW(kSymbolicLink, false,
-                      L"Не создан для символьной ссылки каталог:\n\"" + step.folder + L"\"");
+    if (!step.made) {
+        const std::wstring text = L"Не создан для символьной ссылки каталог:\n\"" + step.folder + L"\"";
+        TOVARIN_THROW(kSymbolicLink, false, text);
+    }
     return Sys().createSymbolicLink(link.c_str(), target.c_str(), 0) != 0;
 }
 
@@ -122,23 +125,24 @@ void HardLink(const std::wstring& source, const std::wstring& link) {
     String::Path::Has(link);
     // One drive, told by the first characters, compared exactly: "c:\a" and "C:\b" differ. A link
     // that is not absolute names no drive: the folder step refuses it.
-    if (IsAbsolutePath(link) && source[0] != link[0])
-        TOVARIN_THROW(kHardLink, false,
-                      L"Жёсткая ссылка на файл может создаваться только в пределах одного логического "
-                      L"диска.\r\nИсходный файл:\r\n\"" +
-                          source + L"\"\r\nЖёсткая ссылка на файл:\r\n\"" + link + L"\"");
+    if (IsAbsolutePath(link) && source[0] != link[0]) {
+        const std::wstring text = L"Жёсткая ссылка на файл может создаваться только в пределах одного "
+                                  L"логического диска.\r\nИсходный файл:\r\n\"" +
+                                  source + L"\"\r\nЖёсткая ссылка на файл:\r\n\"" + link + L"\"";
+        TOVARIN_THROW(kHardLink, false, text);
+    }
     const FolderStep step = CreateFolder(link);
     if (!step.made)
         TOVARIN_THROW(kHardLink, false, L"Для жёсткой ссылки не создан каталог:\r\n\"" + step.folder + L"\"");
     ::SetLastError(0);
     if (Sys().createHardLink(link.c_str(), source.c_str(), nullptr))
         return;
-    if (::GetLastError() == 0)
-        TOVARIN_THROW(
-            kHardLink, false,
-            L"Не создана жёсткая ссылка на файл:\r\n\"" + source +
-                L"\"\r\nВозможной причиной может быть попытка создания жёсткой ссылки на путь, который "
-                L"уже является ссылкой с другого диска.");
+    if (::GetLastError() == 0) {
+        const std::wstring text = L"Не создана жёсткая ссылка на файл:\r\n\"" + source +
+                                  L"\"\r\nВозможной причиной может быть попытка создания жёсткой ссылки на "
+                                  L"путь, который уже является ссылкой с другого диска.";
+        TOVARIN_THROW(kHardLink, false, text);
+    }
     TOVARIN_THROW(kHardLink, true, L"Не создана жёсткая ссылка на файл:\r\n\"" + source + L"\"");
 }
 

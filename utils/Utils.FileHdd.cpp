@@ -102,11 +102,10 @@ void FileHdd::Init(const std::wstring& path, void* const handle, const bool clos
     path_ = path;
     if (path_.empty() && handle_ != nullptr)
         path_ = PathByHandle(handle_);
+    const wchar_t* const noFile =
+        L"Класс не инициализирован.\r\nДолжены быть указан путь к файлу или системный дескриптор файла.";
     if (path_.empty())
-        TOVARIN_THROW(
-            kInit, false,
-            L"Класс не инициализирован.\r\nДолжены быть указан путь к файлу или системный дескриптор "
-            L"файла.");
+        TOVARIN_THROW(kInit, false, noFile);
     folder_ = String::Path::TrimNameFileCW(path_, 0);
     const size_t slash = path_.rfind(L'\\');
     fileName_ = slash == std::wstring::npos ? path_ : path_.substr(slash + 1);
@@ -140,11 +139,13 @@ void* FileHdd::_Create(const std::wstring& path, const unsigned long disposition
                                      static_cast<HANDLE>(templateFile_));
     if (handle != INVALID_HANDLE_VALUE && handle != nullptr)
         return handle;
-    if (::GetLastError() != 0)
-        TOVARIN_THROW(kCreate, true,
-                      L"Не открыт файл:\r\n\"" + path + L"\"\r\nВыполняемые действия с файлом: " +
-                          DispositionName(disposition));
-    return nullptr; // failed without a last error: deliberately silent, callers test for null
+    const unsigned long lastError = ::GetLastError();
+    if (lastError == 0)
+        return nullptr; // failed without a last error: deliberately silent, callers test for null
+    const std::wstring text = L"Не открыт файл:\r\n\"" + path + L"\"\r\nВыполняемые действия с файлом: " +
+                              DispositionName(disposition);
+    ::SetLastError(lastError); // the box reports the open's error, whatever building the text did
+    TOVARIN_THROW(kCreate, true, text);
 }
 
 void* FileHdd::Create(const unsigned long disposition) {
@@ -162,10 +163,12 @@ void FileHdd::_Close(void* const handle) {
     if (handle == nullptr)
         return;
     if (!Sys().closeHandle(handle)) {
+        // The handle is formatted here: standard libraries stream a pointer as 0x1234 or 0000000000001234.
+        const std::wstring shown = NumToStrW(reinterpret_cast<unsigned __int64>(handle), 2, true);
         std::wostringstream text;
         text << L"Не закрыт файл:" << std::endl
              << L"\"" << path_ << L"\"" << std::endl
-             << L"Системный дескриптор: " << handle;
+             << L"Системный дескриптор: " << shown;
         TOVARIN_THROW(kClose, true, text.str());
     }
 }
@@ -180,12 +183,13 @@ void FileHdd::Close() {
 
 void FileHdd::CheckHandle(const char* name, void* const handle) const {
     // Only null is refused: INVALID_HANDLE_VALUE fails later, in the system call.
-    if (handle == nullptr)
-        TOVARIN_THROW(
-            kCheckHandle, false,
+    if (handle == nullptr) {
+        const std::wstring text =
             CodingStr::AnsiToUnicode(name, 0) +
-                L"\r\n\r\nМетод не может быть выполнен.\r\nОтсутствует системный дескриптор файла:\r\n\"" +
-                path_ + L"\"\r\nВероятно, файл не открыт.");
+            L"\r\n\r\nМетод не может быть выполнен.\r\nОтсутствует системный дескриптор файла:\r\n\"" +
+            path_ + L"\"\r\nВероятно, файл не открыт.";
+        TOVARIN_THROW(kCheckHandle, false, text);
+    }
 }
 
 void FileHdd::Flush(void* const handle) {
@@ -325,10 +329,12 @@ template <class T> __int64 FileHdd::Resize(const T newSize) {
     _SetPointer(handle_, FILE_BEGIN, static_cast<__int64>(newSize));
     SetEndPhysical(handle_);
     const __int64 size = _SizeEx64(handle_);
-    if (static_cast<unsigned __int64>(size) != static_cast<unsigned __int64>(newSize))
-        TOVARIN_THROW(kResize, false,
-                      L"Размер файла изменён неверно.\r\nУстанавливаемый размер: " +
-                          std::to_wstring(newSize) + L"\r\nУстановленный размер: " + std::to_wstring(size));
+    if (static_cast<unsigned __int64>(size) != static_cast<unsigned __int64>(newSize)) {
+        const std::wstring text = L"Размер файла изменён неверно.\r\nУстанавливаемый размер: " +
+                                  std::to_wstring(newSize) + L"\r\nУстановленный размер: " +
+                                  std::to_wstring(size);
+        TOVARIN_THROW(kResize, false, text);
+    }
     if (static_cast<unsigned __int64>(position) > _Size64(handle_))
         _SetPointer(handle_, FILE_END, 0);
     else

@@ -9,7 +9,8 @@ namespace Utils {
 
 namespace {
 const char kStatus[] = "unsigned short __cdecl Utils::FilesFind::Status(const " TOVARIN_WSTRING " &)";
-}
+const wchar_t kNowhere[] = L"Класс не инициализирован для поиска файлов.\nНе определено где искать файлы.";
+} // namespace
 
 unsigned short FilesFind::Status(const std::wstring& path) const {
     ::SetLastError(0);
@@ -20,8 +21,7 @@ unsigned short FilesFind::Status(const std::wstring& path) const {
     else if (place_ == kFtp)
         search = ::FtpFindFirstFileW(static_cast<HINTERNET>(connection_), path.c_str(), &found, 0, 0);
     else
-        TOVARIN_THROW(kStatus, false,
-                      L"Класс не инициализирован для поиска файлов.\nНе определено где искать файлы.");
+        TOVARIN_THROW(kStatus, false, kNowhere);
     if (search == INVALID_HANDLE_VALUE || search == nullptr)
         return 0;
     if (place_ == kLocal) {

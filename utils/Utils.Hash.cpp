@@ -14,9 +14,9 @@ void ThrowBadRadix(bool wide, const char* typeName) {
                                                    : TOVARIN_STRING " __cdecl Utils::NumToStrA<") +
                                   typeName + ">(" + typeName + ",int,bool)";
     // The text names NumToStrA in both routines, deliberately.
-    TOVARIN_THROW(
-        signature.c_str(), false,
-        L"Ошибка в функции \"Utils::NumToStrA()\"\n\nНеправильно выбран идентификатор системы счисления.");
+    const wchar_t* const text =
+        L"Ошибка в функции \"Utils::NumToStrA()\"\n\nНеправильно выбран идентификатор системы счисления.";
+    TOVARIN_THROW(signature.c_str(), false, text);
 }
 
 std::string FixedDecimal(double value) {

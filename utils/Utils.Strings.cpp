@@ -153,19 +153,21 @@ bool Has(const std::wstring& path, const bool) {
     // The colon rule joins its conditions by "and", so it never fails in practice; kept as it is.
     const size_t colon = path.rfind(L':');
     if (colon != std::wstring::npos && colon != (isLong ? 5u : 1u) && StartsWith(upper, L"FTP") &&
-        colon != 3 && StartsWith(upper, L"HTTP") && colon != 4 && StartsWith(upper, L"HTTPS") && colon != 5)
-        TOVARIN_THROW(kHas, false,
-                      L"Двоеточие \":\" не в начале пути:\n\"" + path + L"\".\nПозиции двоеточия: " +
-                          std::to_wstring(colon) + L".");
+        colon != 3 && StartsWith(upper, L"HTTP") && colon != 4 && StartsWith(upper, L"HTTPS") && colon != 5) {
+        const std::wstring text = L"Двоеточие \":\" не в начале пути:\n\"" + path +
+                                  L"\".\nПозиции двоеточия: " + std::to_wstring(colon) + L".";
+        TOVARIN_THROW(kHas, false, text);
+    }
 
     // Forbidden characters are searched after the last colon only: the "?" of a long path's
     // prefix is therefore seen only when the path has no drive colon.
     const size_t from = colon == std::wstring::npos ? 0 : colon + 1;
     const size_t bad = path.find_first_of(network ? L":*?\"<>|" : L":/*?\"<>|", from);
-    if (bad != std::wstring::npos)
-        TOVARIN_THROW(kHas, false,
-                      L"Обнаружен запрещённый символ '" + std::wstring(1, path[bad]) + L"' в позиции " +
-                          std::to_wstring(bad) + L" в пути:\n\"" + path + L"\"");
+    if (bad != std::wstring::npos) {
+        const std::wstring text = L"Обнаружен запрещённый символ '" + std::wstring(1, path[bad]) +
+                                  L"' в позиции " + std::to_wstring(bad) + L" в пути:\n\"" + path + L"\"";
+        TOVARIN_THROW(kHas, false, text);
+    }
 
     // A trailing dot is reported with the text about a space, deliberately.
     if (path.back() == L'.' || path.back() == L' ')
@@ -180,12 +182,13 @@ bool Has(const std::wstring& path, const bool) {
         const size_t end = path.find(L'\\', begin);
         const std::wstring name =
             path.substr(begin, end == std::wstring::npos ? std::wstring::npos : end - begin);
-        if (IsReserved(name))
-            TOVARIN_THROW(kHas, false,
-                          L"Использовано зарезервированное в Windows имя \"" +
-                              std::wstring(number < kReservedCount ? kReserved[number] : name.c_str()) +
-                              L"\" с порядковым номером " + std::to_wstring(number + 1) + L" в пути:\n\"" +
-                              path + L"\"");
+        if (IsReserved(name)) {
+            const std::wstring text =
+                L"Использовано зарезервированное в Windows имя \"" +
+                std::wstring(number < kReservedCount ? kReserved[number] : name.c_str()) +
+                L"\" с порядковым номером " + std::to_wstring(number + 1) + L" в пути:\n\"" + path + L"\"";
+            TOVARIN_THROW(kHas, false, text);
+        }
         if (end == std::wstring::npos)
             break;
         begin = end + 1;

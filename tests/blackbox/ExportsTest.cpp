@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace TestSupport;
 
 namespace {
@@ -42,12 +44,12 @@ TEST(Registry, TextsWholeAsTheReadmeShowsThemTheCaptionAndTheUnload) {
     EXPECT_NE(again, INVALID_HANDLE_VALUE);
     ::CloseHandle(again);
     EXPECT_EQ(ReadFileBytes(dir / L"left.bin"), std::string("\xD2\x04\0\0", 4));
-    // README.md's sample is the unknown handle's box whole, line breaks as LF.
+    // README.md's sample is the unknown handle's box whole; both as LF, whatever the checkout's line ends.
     std::string real = Narrow(shown[1].text);
-    for (std::size_t at = real.find("\r\n"); at != std::string::npos; at = real.find("\r\n", at))
-        real.erase(at, 1);
+    real.erase(std::remove(real.begin(), real.end(), '\r'), real.end());
     real.erase(real.find_last_not_of('\n') + 1);
-    const std::string readme = ReadFileBytes(std::wstring(TOVARIN_SOURCE_DIR) + L"\\README.md");
+    std::string readme = ReadFileBytes(std::wstring(TOVARIN_SOURCE_DIR) + L"\\README.md");
+    readme.erase(std::remove(readme.begin(), readme.end(), '\r'), readme.end());
     const std::string begin = "<!-- sample-box:begin -->\n```\n";
     const std::size_t from = readme.find(begin) + begin.size();
     EXPECT_EQ(readme.substr(from, readme.find("\n```\n<!-- sample-box:end -->") - from), real)

@@ -37,7 +37,7 @@ TEST_F(Handles, BadHandlesAgainstBadSlices) {
     void* open = Create(L"open.bin"); // the registry is not empty
     void *closed = Create(L"closed.bin"), *unknown = reinterpret_cast<void*>(0x1234);
     close(closed);
-    const std::string pathA = Narrow(dir / L"target.bin");
+    const std::string pathA = Narrow(dir / L"target.bin", CP_ACP);
     const std::wstring pathW = dir / L"target.bin";
     alignas(8) char buffer[256] = {};
     const struct {
@@ -133,7 +133,7 @@ TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
     const std::wstring name = (single ? std::wstring(1, letter) : L"") + L"d.bin";
     const std::string nameA = (single ? "\xE9" : "") + std::string("d.bin");
     const std::wstring path = dir / (L"sub\\" + name);
-    const std::string pathA = Narrow(dir.Path()) + "\\sub\\" + nameA; // the folder is ASCII
+    const std::string pathA = Narrow(dir.Path(), CP_ACP) + "\\sub\\" + nameA; // TempDir: one it can spell
     for (const char* form : {"W", "A"}) {
         // W: writing only, reading shared; A: the defaults, reading and writing, both shared.
         const bool defaults = form[0] == 'A';

@@ -77,6 +77,8 @@ template <class T> struct Array {
         a.items.resize(std::max<std::size_t>(size, init.size()), Unset<T>());
         return a;
     }
+    Array() = default;
+    Array(const Array&) = default; // declared: beside the deleted assignment an implicit one is deprecated
     Array& operator=(const Array&) = delete; // MQL5 assigns no arrays: ArrayCopy copies them
     int Size() const { return static_cast<int>(items.size()); }
     T* Data() { return reinterpret_cast<T*>(items.data()); }

@@ -7,7 +7,8 @@ namespace TestSupport {
 
 class TempDir {
 public:
-    // A new folder under `parent`, by default the system's temporary folder (drive C: under Wine).
+    // A new folder under `parent`, by default the system's temporary folder (drive C: under Wine), by
+    // its short name when the system code page cannot spell it.
     explicit TempDir(std::wstring parent = std::wstring());
     ~TempDir();
     TempDir(const TempDir&) = delete;
@@ -23,7 +24,8 @@ private:
 std::string ReadFileBytes(const std::wstring& path);
 bool WriteFileBytes(const std::wstring& path, const std::string& bytes);
 bool FileExists(const std::wstring& path);
-std::string Narrow(const std::wstring& text); // UTF-8, for test messages
+// UTF-8, or with CP_ACP the text as the A exports read it ("" when the code page cannot spell it).
+std::string Narrow(const std::wstring& text, unsigned codePage = 65001);
 
 // The failure text that a call throws, or "(nothing thrown)".
 inline std::wstring Thrown(const std::function<void()>& call) {

@@ -144,6 +144,8 @@ TEST_F(Seam, AFailedCloseThrowsAndTheHandleIsGone) {
         const std::wstring text = Thrown([&] { Project::CloseByHandle(opened); });
         EXPECT_HAS(text, L"\nLast Error: 1.\n");
         EXPECT_HAS(text, L"Не закрыт файл:\n\"" + (dir / L"other.bin") + L"\"\nСистемный дескриптор: ");
+        // One spelling of a handle, whatever the standard library (0xabc, 0000000000000ABC).
+        EXPECT_HAS(Thrown([&] { file._Close(reinterpret_cast<void*>(0xABC)); }), L"дескриптор: 0xABC\n");
     }
     EXPECT_NE(Thrown([&] { Project::PtrCFile(opened); }), L"(nothing thrown)");
     EXPECT_TRUE(::CloseHandle(opened));

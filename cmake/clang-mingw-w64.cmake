@@ -1,0 +1,33 @@
+# Cross build for 64-bit Windows with clang and lld against the MinGW-w64 sysroot and GCC's libstdc++.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(TOVARIN_TRIPLE x86_64-w64-windows-gnu)
+set(TOVARIN_MINGW_GCC /usr/lib/gcc/x86_64-w64-mingw32/12-posix CACHE PATH "MinGW-w64 GCC's folder")
+find_program(TOVARIN_CLANG NAMES clang-14 clang REQUIRED)
+find_program(TOVARIN_CLANGXX NAMES clang++-14 clang++ REQUIRED)
+find_program(TOVARIN_WINDRES NAMES llvm-windres-14 llvm-windres REQUIRED)
+find_program(TOVARIN_AR NAMES llvm-ar-14 llvm-ar REQUIRED)
+find_program(TOVARIN_RANLIB NAMES llvm-ranlib-14 llvm-ranlib REQUIRED)
+set(CMAKE_C_COMPILER ${TOVARIN_CLANG})
+set(CMAKE_CXX_COMPILER ${TOVARIN_CLANGXX})
+set(CMAKE_C_COMPILER_TARGET ${TOVARIN_TRIPLE})
+set(CMAKE_CXX_COMPILER_TARGET ${TOVARIN_TRIPLE})
+set(CMAKE_RC_COMPILER ${TOVARIN_WINDRES})
+set(CMAKE_AR ${TOVARIN_AR})
+set(CMAKE_RANLIB ${TOVARIN_RANLIB})
+set(CMAKE_SYSROOT /usr/x86_64-w64-mingw32)
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+# clang 14 does not recognise Debian's GCC folder name "12-posix", so it is given libstdc++'s
+# headers and libraries explicitly (include folders stay off the link line).
+set(CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES ${TOVARIN_MINGW_GCC}/include/c++
+    ${TOVARIN_MINGW_GCC}/include/c++/x86_64-w64-mingw32 ${TOVARIN_MINGW_GCC}/include/c++/backward)
+# GCC's posix driver adds winpthreads and predefines the type_info macros; clang does neither.
+set(CMAKE_C_FLAGS_INIT "-pthread")
+set(CMAKE_CXX_FLAGS_INIT "-pthread -D__GXX_TYPEINFO_EQUALITY_INLINE=0 -D__GXX_MERGED_TYPEINFO_NAMES=0")
+set(TOVARIN_LINK_FLAGS "-fuse-ld=lld -pthread -L${TOVARIN_MINGW_GCC}")
+set(CMAKE_EXE_LINKER_FLAGS_INIT ${TOVARIN_LINK_FLAGS})
+set(CMAKE_SHARED_LINKER_FLAGS_INIT ${TOVARIN_LINK_FLAGS})
+set(CMAKE_MODULE_LINKER_FLAGS_INIT ${TOVARIN_LINK_FLAGS})
