@@ -8,11 +8,12 @@
 //   TovarinBench --smoke         tiny sizes and one repetition: checks that every case still runs
 //                                and verifies, and that the allocation-free paths stay so; timings
 //                                mean nothing
-//   TovarinBench --only a,b      only the named cases: scalar, bulk, strings, open, threads
+//   TovarinBench --only a,b      only the named cases: scalar, bulk, strings, open, threads, text
 //
 // Exit code: 0 when every check passed, 1 otherwise (targets missed in a full run are reported,
 // not failed: shared machines are noisy).
 #include "ImportCounter.h"
+#include "KitText.h"
 #include "include/Tovarin.h"
 
 #include <windows.h>
@@ -39,10 +40,11 @@ struct Sizes {
     unsigned opens;       // open-and-close pairs per run
     unsigned threadCalls; // single-value calls per thread and run
     int repetitions;      // timed runs per side, after one warm-up run
+    unsigned textLines;   // lines of 40 characters through the kit
 };
 
-const Sizes kFull = {1000000, 64u << 20, 100000, 2000, 300000, 7};
-const Sizes kSmoke = {2000, 1u << 20, 1000, 20, 2000, 1};
+const Sizes kFull = {1000000, 64u << 20, 100000, 2000, 300000, 7, 1000000};
+const Sizes kSmoke = {2000, 1u << 20, 1000, 20, 2000, 1, 1000};
 
 // ---- Clock, medians ------------------------------------------------------------------------------
 
@@ -697,6 +699,80 @@ void RemoveFolder(const std::wstring& folder) {
     ::RemoveDirectoryW(folder.c_str());
 }
 
+// 7: UTF-8 lines of 40 characters ended by CR LF, written and read back through the kit's file class
+// (its MQL5 run as C++) against the same work on the raw block calls: the lines encoded here and
+// written a MiB per FileWriteVoid, read by one FileReadVoid, decoded and split here.
+void KitTextCases(const Files& files, const Sizes& sizes) {
+    const unsigned n = sizes.textLines;
+    const std::u16string line = u"2024.01.02 10:00:00,EURUSD,buy,1.1050,\u00e9\u20ac";
+    const auto* wide = reinterpret_cast<const wchar_t*>(line.c_str());
+    const int length = static_cast<int>(line.size());
+    std::string expected,
+        encoded(::WideCharToMultiByte(CP_UTF8, 0, wide, length, nullptr, 0, nullptr, nullptr), 0);
+    ::WideCharToMultiByte(CP_UTF8, 0, wide, length, &encoded[0], static_cast<int>(encoded.size()), nullptr,
+                          nullptr);
+    for (unsigned i = 0; i < n; ++i)
+        expected += encoded + "\r\n";
+    KitText::SetLines(n, line);
+    void* const t = KitText::Open(files.Path(L"text-kit.txt"));
+    void* const r = FileCreateAlwaysW(files.Path(L"text-raw.txt").c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
+    if (t == nullptr || r == nullptr) {
+        Fail("text", "the files could not be created");
+        return;
+    }
+    const std::vector<std::u16string> lines(n, line);
+    std::vector<std::u16string> back;
+    const int repetitions = std::min(sizes.repetitions, 3);
+    const Side writeT = {[t] { Truncate(t); }, [] { return KitText::WriteLines(); },
+                         [t, &expected] { return Holds(t, expected.data(), expected.size()); }};
+    const Side writeR = {[r] { Truncate(r); },
+                         [r, &lines] {
+                             std::string batch;
+                             bool ok = true;
+                             for (size_t i = 0; i < lines.size(); ++i) {
+                                 const size_t at = batch.size();
+                                 const auto* text = reinterpret_cast<const wchar_t*>(lines[i].c_str());
+                                 batch.resize(at + 3 * lines[i].size() + 2);
+                                 const int made = ::WideCharToMultiByte(
+                                     CP_UTF8, 0, text, static_cast<int>(lines[i].size()), &batch[at],
+                                     static_cast<int>(3 * lines[i].size()), nullptr, nullptr);
+                                 batch.resize(at + made);
+                                 batch += "\r\n";
+                                 if (batch.size() >= (1u << 20) || i + 1 == lines.size()) {
+                                     ok &= FileWriteVoid(r, batch.data(), batch.size()) == batch.size();
+                                     batch.clear();
+                                 }
+                             }
+                             return ok;
+                         },
+                         [r, &expected] { return Holds(r, expected.data(), expected.size()); }};
+    Add("7. text write: CTovarinFile UTF-8 lines", "line",
+        Compare("text write", writeT, writeR, repetitions, 1), n, 1.3, false, false);
+    const Side readT = {[] {}, [] { return KitText::ReadLines(); },
+                        [] { return KitText::ReadBackIsTheLines(); }};
+    const Side readR = {
+        [r, &back] { Rewind(r), back.clear(); },
+        [r, &back] {
+            const unsigned long long size = FileGetSize(r);
+            std::string bytes(size, 0);
+            if (FileReadVoid(r, &bytes[0], size) != size)
+                return false;
+            std::u16string text(
+                ::MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(size), nullptr, 0), 0);
+            ::MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(size),
+                                  reinterpret_cast<wchar_t*>(&text[0]), static_cast<int>(text.size()));
+            back.reserve(std::count(text.begin(), text.end(), u'\n'));
+            for (size_t from = 0, end; (end = text.find(u'\n', from)) != text.npos; from = end + 1)
+                back.emplace_back(text, from, end - from - (end > from && text[end - 1] == u'\r'));
+            return true;
+        },
+        [&back, &lines] { return back == lines; }};
+    Add("7. text read: CTovarinFile UTF-8 lines", "line", Compare("text read", readT, readR, repetitions, 1),
+        n, 1.3, false, false);
+    KitText::Close();
+    FileCloseHandle(r);
+}
+
 // True when the work of `name` was asked for: all of it without --only.
 bool Wanted(const std::string& only, const char* name) {
     return only.empty() || ("," + only + ",").find("," + std::string(name) + ",") != std::string::npos;
@@ -724,7 +800,8 @@ int main(int argc, char** argv) {
         } else if (std::strcmp(argv[i], "--only") == 0 && i + 1 < argc) {
             only = argv[++i];
         } else {
-            std::fprintf(stderr, "usage: TovarinBench [--smoke] [--only scalar,bulk,strings,open,threads]\n");
+            std::fprintf(stderr,
+                         "usage: TovarinBench [--smoke] [--only scalar,bulk,strings,open,threads,text]\n");
             return 2;
         }
     }
@@ -753,6 +830,8 @@ int main(int argc, char** argv) {
             OpenCloseCase(files, sizes);
         if (Wanted(only, "threads"))
             ThreadCases(files, sizes);
+        if (Wanted(only, "text"))
+            KitTextCases(files, sizes);
         boxes = watch.Seen();
     }
     RemoveFolder(files.folder);

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Checks the release zip: exactly the kit's files, laid out as a terminal's data folder (MQL5/...)
-plus c/ and README.txt, each the same bytes as the file it was made from. The import library in c/
-has the name README.md gives it for the toolchain that made it.
+plus c/ and README.txt, each the same bytes as the file it was made from (README.txt with CR LF line
+ends, for Notepad, whatever the line ends of the checkout). The import library in c/ has the name
+README.md gives it for the toolchain that made it.
 
     scripts/check-dist.py ZIP DLL IMPORT_LIBRARY      # from the source folder
 """
@@ -17,8 +18,12 @@ IMPORT_LIBRARIES = {"Tovarin.dll.a", "Tovarin.lib"}
 def main(zip_path, dll, import_library):
     sources = {"MQL5/Libraries/Tovarin.dll": dll,
                "MQL5/Include/Tovarin.mqh": "mql5/Include/Tovarin.mqh",
+               "MQL5/Include/TovarinFile.mqh": "mql5/Include/TovarinFile.mqh",
                "MQL5/Include/TovarinRaw.mqh": "mql5/Include/TovarinRaw.mqh",
                "MQL5/Scripts/TovarinExample.mq5": "mql5/Scripts/TovarinExample.mq5",
+               "MQL5/Scripts/TovarinRecords.mq5": "mql5/Scripts/TovarinRecords.mq5",
+               "MQL5/Experts/TovarinSignalWriter.mq5": "mql5/Experts/TovarinSignalWriter.mq5",
+               "MQL5/Experts/TovarinSignalFollower.mq5": "mql5/Experts/TovarinSignalFollower.mq5",
                "c/Tovarin.h": "include/Tovarin.h",
                "c/Tovarin.def": "exports/Tovarin.def",
                "c/" + os.path.basename(import_library): import_library,
@@ -31,8 +36,11 @@ def main(zip_path, dll, import_library):
         problems += ["not part of the kit: " + n for n in sorted(names - set(sources))]
         for name in sorted(names & set(sources)):
             with open(sources[name], "rb") as f:
-                if archive.read(name) != f.read():
-                    problems.append("differs from %s: %s" % (sources[name], name))
+                expected = f.read()
+            if name.endswith(".txt"):
+                expected = expected.replace(b"\r\n", b"\n").replace(b"\n", b"\r\n")
+            if archive.read(name) != expected:
+                problems.append("differs from %s: %s" % (sources[name], name))
     for problem in problems:
         print(problem)
     print("%s: %d files, %s" % (os.path.basename(zip_path), len(names), "not as expected" if problems else "as expected"))

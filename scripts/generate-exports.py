@@ -451,7 +451,10 @@ MQH_TOP = """\
 // Place Tovarin.dll in MQL5\\Libraries and allow DLL imports.
 // The nine functions that take or return memory addresses are in TovarinRaw.mqh; the helpers at
 // the end of this file write and read the same bytes in plain MQL5: TovarinWriteLinesW/A and
-// TovarinReadLinesW/A for string arrays as CR LF lines, TovarinReadStringA for 8-bit text.
+// TovarinReadLinesW/A for string arrays as CR LF lines (the library's own format), and
+// TovarinReadStringA/W for text of a known size. TovarinFile.mqh adds a file class and text files
+// as other programs write them (UTF-8, UTF-16, a code page; LF or CR LF), and a path check.
+// A failed open returns TOVARIN_NULL_HANDLE (0), not INVALID_HANDLE.
 // %s
 
 // Desired access and share mode of the open and create functions (the CreateFileW values; not the
@@ -462,15 +465,15 @@ MQH_TOP = """\
 #define TOVARIN_SHARE_WRITE     ((uint)0x00000002)
 #define TOVARIN_SHARE_DELETE    ((uint)0x00000004)
 // Access or share argument that keeps the default: read and write, shared for reading and writing.
-#define TOVARIN_DEFAULT         ((uint)0xFFFFFFFF)
+#define TOVARIN_DEFAULT         UINT_MAX
 // Count argument of the array functions: to the end of the array.
-#define TOVARIN_TO_END          ((ulong)0xFFFFFFFFFFFFFFFF)
+#define TOVARIN_TO_END          ULONG_MAX
 
 // Neutral results after a failure.
 #define TOVARIN_NULL_HANDLE     0                               // open and create
 #define TOVARIN_FAILED_WRITE    (-1)                            // int results of the single-value writes
 #define TOVARIN_FAILED_POSITION (-1)                            // file pointer functions
-#define TOVARIN_FAILED_COUNT    ((ulong)0xFFFFFFFFFFFFFFFF)     // arrays, string arrays, raw blocks
+#define TOVARIN_FAILED_COUNT    ULONG_MAX                       // arrays, string arrays, raw blocks
 
 #import "Tovarin.dll"
 """
@@ -485,10 +488,11 @@ RAW_TOP = """\
 // character buffer, and the result of FileReadStringA, the address of the library's 8-bit text.
 // They are for hosts that can build such arrays and buffers (for example with a DLL of their own).
 // A plain MQL5 program includes Tovarin.mqh only and uses its helpers instead: TovarinWriteLinesW/A
-// and TovarinReadLinesW/A write and read the same CR LF lines, TovarinReadStringA the same text.
-// Include it after Tovarin.mqh, whose constants it uses; it does not include it itself, so that
-// each file is read once.
+// and TovarinReadLinesW/A write and read the same CR LF lines, TovarinReadStringA/W the same text.
+// It includes Tovarin.mqh, whose constants it uses; the compiler reads an included file once.
 // %s
+
+#include "Tovarin.mqh"
 
 // Host string records: the capacity of the buffer in characters and its address; 12 bytes, as
 // MQL5 packs structures.

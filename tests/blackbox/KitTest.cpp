@@ -54,7 +54,7 @@ protected:
 struct LinesCase {
     std::string content;            // UTF-16 widens it byte by byte
     std::vector<std::string> lines; // the lines a reader finds in it (after a one-character header)
-    std::string trimmed;            // TovarinReadStringA: less trailing zeros, spaces, tabs, CR and LF
+    std::string trimmed;            // TovarinReadStringA/W: less trailing zeros, spaces, tabs, CR and LF
 };
 const LinesCase kLines[] = {
     {"a\r\n\r\nb c\r\n", {"a", "", "b c"}, "a\r\n\r\nb c"},
@@ -83,11 +83,9 @@ TEST_F(Kit, LinesAndTextWrittenAndRead) {
             EXPECT_EQ((wide ? mql::TovarinReadLinesW : mql::TovarinReadLinesA)(file, read), c.lines.size());
             EXPECT_EQ(read.items, lines.items);
             EXPECT_EQ(mql::FileGetPointer(file), static_cast<mql::mlong>(bytes("#" + c.content).size()));
-            if (wide)
-                continue;
             mql::string text = u"old"_s;
-            Fill(c.content + "!", 0);
-            EXPECT_TRUE(mql::TovarinReadStringA(file, c.content.size(), text));
+            Fill(bytes(c.content + "!"), 0);
+            EXPECT_TRUE((wide ? mql::TovarinReadStringW : mql::TovarinReadStringA)(file, c.content.size(), text));
             EXPECT_EQ(text, Text(c.trimmed));
         }
     EXPECT_TRUE(boxes.Boxes().empty());
@@ -115,6 +113,7 @@ TEST_F(Kit, EachFailureIsExplainedOnce) {
         {[&] { return mql::TovarinWriteLinesW(bad, one); }, ~0ull, L"FileWriteStringW", nullptr},
         {[&] { return mql::TovarinWriteLinesA(bad, one); }, ~0ull, L"FileWriteVoid", nullptr},
         {[&] { return +mql::TovarinReadStringA(bad, 4, text); }, 0, L"FileReadVoid", nullptr},
+        {[&] { return +mql::TovarinReadStringW(bad, 4, text); }, 0, L"FileReadUShortArray", nullptr},
         {[&] { return mql::TovarinReadLinesW(sized((4ull << 30) + 6), lines); }, ~0ull, nullptr, u"2 GiB"},
         {[&] { return mql::TovarinReadLinesA(sized((8ull << 30) + 6), lines); }, ~0ull, nullptr, u"2 GiB"},
         {[&] { return +mql::TovarinReadStringA(file, 3ull << 30, text); }, 0, nullptr, u"2 GiB"},

@@ -1,19 +1,32 @@
 #include "Mql5.h"
 
-#include "support/Exports.h"
+#include <windows.h>
 
 namespace mql {
+
+int StringFind(const string& s, const string& what, int start) {
+    const std::size_t at = start < 0 ? std::u16string::npos : s.text.find(what.text, start);
+    return at == std::u16string::npos ? -1 : static_cast<int>(at);
+}
+
+string StringSubstr(const string& s, int start, int length) {
+    if (start < 0 || start >= StringLen(s))
+        return string();
+    return s.text.substr(start, length < 0 ? std::u16string::npos : static_cast<std::size_t>(length));
+}
 
 // count -1 takes the whole text and its terminating 0; a dynamic array grows to hold them, a static
 // one takes what fits.
 int StringToCharArray(const string& s, Array<uchar>& a, int start, int count, uint cp) {
     const int chars = count < 0 || count > StringLen(s) ? StringLen(s) : count;
     const auto* wide = reinterpret_cast<const wchar_t*>(s.text.c_str());
-    std::vector<char> bytes(::WideCharToMultiByte(cp, 0, wide, chars, nullptr, 0, nullptr, nullptr));
-    ::WideCharToMultiByte(cp, 0, wide, chars, bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr);
+    static thread_local std::vector<char> bytes; // one conversion into room enough for any code page
+    if (bytes.size() < 3 * static_cast<std::size_t>(chars) + 1)
+        bytes.resize(3 * static_cast<std::size_t>(chars) + 1);
+    int n =
+        chars == 0 ? 0 : ::WideCharToMultiByte(cp, 0, wide, chars, bytes.data(), 3 * chars, nullptr, nullptr);
     if (count < 0)
-        bytes.push_back(0);
-    const int n = static_cast<int>(bytes.size());
+        bytes[n++] = 0;
     if (start < 0)
         return 0;
     if (start + n > a.Size() && !a.fixed)
@@ -31,10 +44,6 @@ string CharArrayToString(const Array<uchar>& a, int start, int count, uint cp) {
     ::MultiByteToWideChar(cp, 0, narrow, size, reinterpret_cast<wchar_t*>(&text[0]),
                           static_cast<int>(text.size()));
     return text;
-}
-
-void* Bind(const char* name) {
-    return TestSupport::FromModule<void*>(TestSupport::TovarinModule(), name);
 }
 
 } // namespace mql

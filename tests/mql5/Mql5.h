@@ -5,6 +5,8 @@
 // (here: throws Stop, which fails the test), ArrayResize returns -1 instead of throwing, and new
 // elements are not initialised (here: 0xA5 bytes, so that code which reads them first shows it).
 #include <algorithm>
+#include <climits>
+#include <cstdio>
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
@@ -21,7 +23,9 @@ typedef std::uint16_t ushort;
 typedef std::uint32_t uint;
 typedef std::uint64_t ulong;
 typedef std::int64_t datetime;
-const int WHOLE_ARRAY = -1;
+const int WHOLE_ARRAY = -1, INVALID_HANDLE = -1;
+// INT_MAX and UINT_MAX are C's, with MQL5's values; C's ULONG_MAX has 32 bits on Windows, MQL5's 64.
+const ulong ULONG_MAX_ = ~0ull;
 const uint CP_ACP = 0, CP_UTF8 = 65001;
 
 struct Stop : std::runtime_error {
@@ -106,14 +110,17 @@ template <class T> int ArrayResize(Array<T>& a, int size, int reserve = 0) {
 // The elements of a[start, start + count) before the first 0 (count -1: to the end).
 template <class T> std::vector<T> Slice(const Array<T>& a, int start, int count) {
     const int end = count < 0 || count > a.Size() - start ? a.Size() : start + count;
-    std::vector<T> slice;
-    for (int i = std::max(start, 0); i < end && a.items[i] != 0; ++i)
-        slice.push_back(a.items[i]);
-    return slice;
+    const T* first = a.Data() + std::min(std::max(start, 0), end);
+    return std::vector<T>(first, std::find(first, a.Data() + end, T(0)));
 }
 inline int StringLen(const string& s) {
     return static_cast<int>(s.text.size());
 }
+int StringFind(const string& s, const string& what, int start = 0);
+inline bool StringReserve(string& s, uint capacity) {
+    return s.text.reserve(capacity), true;
+}
+string StringSubstr(const string& s, int start, int length = -1);
 int StringToCharArray(const string& s, Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
 string CharArrayToString(const Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
 inline string ShortArrayToString(const Array<ushort>& a, int start = 0, int count = -1) {
@@ -162,11 +169,13 @@ template <class T> auto Abi(T& value) {
     else
         return value.Data();
 }
+inline long long dllCalls = 0; // every call of an import, for the tests that count them
 template <class R, class... A> R CallExport(void* proc, A... args) {
     if constexpr (std::is_same_v<R, string>) {
         const auto* text = reinterpret_cast<const char16_t*>(CallExport<const wchar_t*>(proc, args...));
         return text == nullptr ? string() : string(text);
     } else {
+        ++dllCalls;
         return reinterpret_cast<R (*)(A...)>(proc)(args...);
     }
 }
@@ -186,19 +195,50 @@ struct MqlRates {
     int spread;
     mlong real_volume;
 };
+struct MqlTick {
+    datetime time;
+    double bid, ask, last;
+    ulong volume;
+    mlong time_msc;
+    uint flags;
+    double volume_real;
+};
 #pragma pack(pop)
-static_assert(sizeof(MqlRates) == 60, "MQL5's layout");
-// Hourly bars from 2024-01-01 on, oldest first.
+static_assert(sizeof(MqlRates) == 60 && sizeof(MqlTick) == 60, "MQL5's layouts");
+const int FILE_READ = 1, FILE_WRITE = 2, FILE_SHARE_READ = 128, FILE_SHARE_WRITE = 256;
+enum ENUM_FILE_POSITION { SEEK_SET_ = 7, SEEK_CUR_, SEEK_END_ }; // their values are not in MQL5's reference
+// Hourly bars from 2024-01-01 on, oldest first; a test adds bars to the history.
+inline int history = 5000;
 inline int CopyRates(const string& symbol, ENUM_TIMEFRAMES, int start, int count, Array<MqlRates>& rates) {
-    count = std::min(count, 5000 - start);
+    count = std::min(count, history - start);
     if (symbol != _Symbol || start < 0 || count <= 0 || ArrayResize(rates, count) != count)
         return -1;
-    for (int i = 0, bar = 5000 - start - count; i < count; ++i, ++bar) {
+    for (int i = 0, bar = history - start - count; i < count; ++i, ++bar) {
         const double open = 1.1 + bar % 97 * 1e-4;
         rates[i] = {1704067200 + 3600LL * bar, open,           open + 5e-4, open - 4e-4,
                     open + bar % 5 * 1e-4,     100 + bar % 37, bar % 7,     1000LL * bar};
     }
     return count;
+}
+// A tick a second from 2024-01-01 on, the newest last.
+enum ENUM_COPY_TICKS { COPY_TICKS_ALL };
+inline int CopyTicks(const string& symbol, Array<MqlTick>& ticks, ENUM_COPY_TICKS, ulong, uint count) {
+    if (symbol != _Symbol || ArrayResize(ticks, count) != int(count))
+        return -1;
+    for (uint i = 0; i < count; ++i) {
+        const double bid = 1.1 + i % 7 * 1e-5;
+        ticks[i] = {1704067200 + i, bid, bid + 2e-4, 0, i % 4, 1704067200000LL + 1000 * i, 6, 0};
+    }
+    return count;
+}
+const int _Digits = 5, INIT_SUCCEEDED = 0, INIT_FAILED = 1, INIT_PARAMETERS_INCORRECT = 32767;
+inline string DoubleToString(double value, int digits) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", digits, value);
+    return std::u16string(text, text + std::strlen(text));
+}
+inline bool EventSetTimer(int) {
+    return true;
 }
 inline string CommonDataPath;
 inline string TerminalInfoString(ENUM_TERMINAL_INFO_STRING) {

@@ -12,15 +12,17 @@ TOKEN = re.compile(r"""(?P<directive>^[ \t]*\#[^\n]*) | (?P<space>\s+) | (?P<com
     | (?P<punct>\+\+|--|&&|\|\||[-+*/%<>=!&|^]=|[{}()\[\];,.?:~<>=+\-*/%&|^!]) | (?P<stray>.)""", re.M | re.X)
 NUMBER = re.compile(r"0[xX][0-9A-Fa-f]+|\d+(\.\d*)?([eE][-+]?\d+)?")
 SCALARS = set("bool char uchar short ushort int uint long ulong float double datetime".split())
-RENAMED = {"char": "mchar", "long": "mlong"}  # C++ has them with other sizes
+RENAMED = {"char": "mchar", "long": "mlong", "ULONG_MAX": "ULONG_MAX_",  # C++ has them with other sizes
+           "SEEK_SET": "SEEK_SET_", "SEEK_CUR": "SEEK_CUR_", "SEEK_END": "SEEK_END_"}  # or as macros
 KEYWORDS = set("if else for while do return break continue struct class public private protected const void "
                "true false input".split())
 BUILTINS = set("ArrayResize ArraySize ArrayFree StringLen StringToCharArray CharArrayToString ShortArrayToString "
                "StringGetCharacter StringSetCharacter StringReplace Print PrintFormat CopyRates TerminalInfoString "
-               "MQLInfoInteger GetLastError EnumToString".split())
+               "MQLInfoInteger GetLastError EnumToString StringFind StringSubstr sizeof "
+               "CopyTicks DoubleToString EventSetTimer StringReserve".split())
 CPP_ONLY = set("alignas alignof and asm auto bitand bitor case catch char16_t char32_t compl concept const_cast "
                "constexpr decltype default delete dynamic_cast enum explicit export extern friend goto inline mutable "
-               "namespace new noexcept not nullptr operator or register reinterpret_cast requires signed sizeof "
+               "namespace new noexcept not nullptr operator or register reinterpret_cast requires signed "
                "static static_assert static_cast switch template this thread_local throw try typedef typeid "
                "typename union unsigned using virtual volatile wchar_t xor".split())
 
@@ -32,7 +34,8 @@ class Refused(Exception):
 class Translator:
     def __init__(self, out_dir, include_dir):
         self.out_dir, self.include_dir, self.done = out_dir, include_dir, set()
-        self.types, self.functions = SCALARS | {"string", "void", "MqlRates"}, set(BUILTINS)
+        self.types, self.functions = SCALARS | {"string", "void", "MqlRates", "MqlTick", "ENUM_FILE_POSITION", "ENUM_COPY_TICKS"}, set(BUILTINS)
+        self.structs = {"MqlRates", "MqlTick"}  # simple structures, which may cross to the DLL in arrays
 
     def refuse(self, line, why):
         raise Refused("%s:%d: %s" % (self.path, line, why))
@@ -66,6 +69,8 @@ class Translator:
         at = {i: k for k, i in enumerate(sig)}
         word = lambda k: toks[sig[k]][2] if 0 <= k < len(sig) else ""  # the k-th significant token
         self.types |= set(re.findall(r"\b(?:struct|class)\s+(\w+)", text))
+        self.structs |= {name for name, body in re.findall(r"\bstruct\s+(\w+)\s*\{([^}]*)\}", text)
+                         if not re.search(r"\bstring\b|\[", body)}  # simple: no strings, no arrays
         self.functions |= {word(k + 1) for k in range(len(sig)) if word(k) in self.types | {"~"} and word(k + 2) == "("}
         stem = re.sub(r"\W", "_", os.path.basename(self.path).rsplit(".", 1)[0])
         opening = "namespace mql { namespace %s {" % stem if self.path.endswith(".mq5") else "namespace mql {"
@@ -85,6 +90,8 @@ class Translator:
                     self.refuse(line, "'%s' is neither declared here nor a built-in function of the subset" % tok)
                 if tok in self.types and tok != "void":
                     self.declaration(sig, at[i], word, out, line)
+                if tok in self.types and depth == 0 and word(k + 2) == "(":
+                    out[i] = "inline " + out[i]  # an include file may reach several test sources
             elif tok in ("{", "}"):
                 depth += 1 if tok == "{" else -1
             elif tok == ";" and importing and depth == 0:
@@ -130,7 +137,7 @@ class Translator:
             p = p[1:] if p[:1] == ["const"] else p
             if len(p) == 2 and p[0] in SCALARS | {"string"}:
                 args.append("Abi(%s)" % p[1])
-            elif len(p) > 2 and p[0] in SCALARS and p[1] == "&" and p[3:] in ([], ["[", "]"]):
+            elif len(p) > 2 and p[0] in SCALARS | self.structs and p[1] == "&" and p[3:] in ([], ["[", "]"]):
                 args.append(("Abi(%s)" if p[3:] else "&%s") % p[2])
             else:
                 self.refuse(line, "'%s' cannot be passed to a DLL within the subset" % " ".join(p))

@@ -20,6 +20,7 @@ REFUSED = [  # (text from line 3 on, the line refused, what the refusal says)
     ('#ifdef X\n#import "user32.dll"', 3, "outside the subset"),
     ('#import "Tovarin.dll"\nvoid F(long h);\nvoid G(string &lines[]);\n#import', 5, "cannot be passed to a DLL"),
     ('#import "Tovarin.dll"\nvoid F(long h);', 4, "without its closing #import"),
+    ('struct S { string s; };\n#import "Tovarin.dll"\nvoid F(const S &a[]);\n#import', 5, "cannot be passed"),
 ]
 
 
