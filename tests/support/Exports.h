@@ -120,16 +120,13 @@ void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector
 void ExpectNoBox(BoxRecorder& boxes);
 
 // Makes a folder the current folder for its lifetime.
-class CurrentFolder {
-public:
-    explicit CurrentFolder(const std::wstring& folder) : saved_(MAX_PATH, L'\0') {
-        saved_.resize(::GetCurrentDirectoryW(MAX_PATH, &saved_[0]));
+struct CurrentFolder {
+    explicit CurrentFolder(const std::wstring& folder) : saved(MAX_PATH, L'\0') {
+        saved.resize(::GetCurrentDirectoryW(MAX_PATH, &saved[0]));
         ::SetCurrentDirectoryW(folder.c_str());
     }
-    ~CurrentFolder() { ::SetCurrentDirectoryW(saved_.c_str()); }
-
-private:
-    std::wstring saved_;
+    ~CurrentFolder() { ::SetCurrentDirectoryW(saved.c_str()); }
+    std::wstring saved;
 };
 
 } // namespace TestSupport
