@@ -104,7 +104,7 @@ TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
     CurrentFolder current(cwd);
     ::CreateDirectoryW(L"rel", nullptr); // an existing relative folder is refused all the same
     void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
-    const std::wstring to = dir / L"to.bin", wild = dir / L"*.bin";
+    const std::wstring to = dir / L"to.bin", wild = dir / L"*.bin", blank = dir / L"x.bin ";
     const std::string srcA = Narrow(src, CP_ACP), toA = Narrow(to, CP_ACP);
     const auto refuse = [&](const ExportRow& row, int at, const wchar_t* path, const std::wstring& text) {
         SCOPED_TRACE(std::string(row.name) + " " + std::to_string(at) + " " + (path ? Narrow(path) : "null"));
@@ -123,6 +123,9 @@ TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
     const std::pair<std::wstring, std::wstring> cases[] = {
         {wild, L"Обнаружен запрещённый символ '*' в позиции " + std::to_wstring(dir.Path().size() + 1) +
                    L" в пути:\n\"" + wild + L"\""},
+        {blank, L"Пробел в конце пути:\n\"" + blank + L"\""},
+        {L"C:\\con\\x.bin", L"Использовано зарезервированное в Windows имя \"nul\" с порядковым номером 2 в "
+                            L"пути:\n\"C:\\con\\x.bin\""},
         {L"rel\\x.bin", L""},
         {cwd.substr(0, 2) + L"new\\x.bin", L""},
         {cwd.substr(2) + L"\\new\\x.bin", L""},
