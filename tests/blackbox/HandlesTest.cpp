@@ -1,9 +1,11 @@
 // The handle exports: every one refuses an unknown and a closed handle, after a bad slice of a typed
 // array and before a count of 0 of any other; open and create by disposition in both forms; each
-// whole-file operation.
+// whole-file operation; the registry's texts whole, as README.md shows the sample, and its unload.
 #include "support/Exports.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 using namespace TestSupport;
 
@@ -43,11 +45,11 @@ TEST_F(Handles, BadHandlesAgainstBadSlices) {
     const struct {
         u64 size, start, count;
         const wchar_t* text;
-    } slices[] = {{8, 0, 0, L"\r\nОтсутствует количество элементов."},
-                  {8, 8, 1,
-                   L"Номер стартового элемента больше или равен количеству всех элементов.\n\nКоличество "
-                   L"всех элементов: 8\nСтартовый элемент: 8\nКоличество элементов: 1"},
-                  {0, 0, 1, L"\nКоличество всех элементов равно нулю."}};
+    } slices[] = {
+        {8, 0, 0, L"\r\nОтсутствует количество элементов."},
+        {8, 8, 1,
+         L"элементов.\n\nКоличество всех элементов: 8\nСтартовый элемент: 8\nКоличество элементов: 1"},
+        {0, 0, 1, L"\nКоличество всех элементов равно нулю."}};
     for (const ExportRow& row : Exports()) {
         if (!row.byHandle)
             continue;
@@ -108,12 +110,9 @@ TEST_F(Handles, HostileArgumentsAreRefused) {
     EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), 0u);
     close(h);
     EXPECT_EQ(TOVARIN_FN(FileCompletedW)((dir / L"never.bin").c_str(), 2, -1, 0, 0, 0, nullptr, 0), 0u);
-    ExpectOneBox(
-        boxes, "FileCompletedW",
-        {L"\"unsigned __int64 __cdecl Project::CompletedOperation(const class std::basic_string<wchar_t,"
-         L"struct std::char_traits<wchar_t>,class std::allocator<wchar_t> > &,const unsigned short,const "
-         L"int,const __int64,const unsigned short,const unsigned long,void *,const unsigned __int64)\"!",
-         L"\nДоступ к файлу выбран неправильно.\n"});
+    ExpectOneBox(boxes, "FileCompletedW",
+                 {L"Project::CompletedOperation(const class std::basic_string<wchar_t,",
+                  L"\nДоступ к файлу выбран неправильно.\n"});
 }
 
 // Both forms of every open and create, on a missing file, a file of 4 bytes and a folder: the file's
@@ -207,6 +206,53 @@ TEST_F(Handles, WholeFileOperationsBySizeAndPointer) {
         EXPECT_EQ(pointer.QuadPart, c.pointer);
         close(h);
     }
+}
+
+// A second copy of the DLL has a registry of its own, empty; its boxes carry its own full path.
+TEST(Registry, TextsWholeAsTheReadmeShowsThemTheCaptionAndTheUnload) {
+    TempDir dir;
+    const std::wstring copy = dir / L"Tovarin Copy.dll";
+    ASSERT_TRUE(::CopyFileW((ExecutableFolder() + L"Tovarin.dll").c_str(), copy.c_str(), FALSE));
+    HMODULE module = ::LoadLibraryW(copy.c_str());
+    ASSERT_NE(module, nullptr);
+    const auto writeInt = FromModule<decltype(&::FileWriteInt)>(module, "FileWriteInt");
+    const auto create = FromModule<decltype(&::FileCreateAlwaysW)>(module, "FileCreateAlwaysW");
+    const auto close = FromModule<decltype(&::FileCloseHandle)>(module, "FileCloseHandle");
+    BoxRecorder boxes;
+    EXPECT_EQ(writeInt(reinterpret_cast<void*>(0x1234), 1), -1);
+    void* handle = create((dir / L"a.bin").c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
+    EXPECT_EQ(writeInt(reinterpret_cast<void*>(0x1234), 1), -1);
+    close(handle);
+    EXPECT_EQ(writeInt(handle, 1), -1); // closed, and the registry is empty again
+    void* left = create((dir / L"left.bin").c_str(), TOVARIN_GENERIC_READ | TOVARIN_GENERIC_WRITE, 0);
+    EXPECT_EQ(writeInt(left, 1234), 4);
+    const std::vector<Box> shown = boxes.Boxes();
+    ASSERT_EQ(shown.size(), 3u);
+    const std::wstring empty =
+        L"\r\n\nМассив классов не инициализирован.\r\nСначала создайте или откройте файл.\n\n";
+    for (const Box& box : shown) {
+        EXPECT_EQ(box.caption, copy);
+        EXPECT_EQ(box.text.find(Heading("FileWriteInt")), 0u);
+    }
+    for (const int i : {0, 2}) // the unknown handle's text below, with the empty registry's line and message
+        EXPECT_EQ(shown[i].text.rfind(empty), shown[i].text.size() - empty.size());
+    EXPECT_TRUE(::FreeLibrary(module)); // closes the file left open, which nobody else may share
+    HANDLE again = ::CreateFileW((dir / L"left.bin").c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                 OPEN_EXISTING, 0, nullptr);
+    EXPECT_NE(again, INVALID_HANDLE_VALUE);
+    ::CloseHandle(again);
+    EXPECT_EQ(ReadFileBytes(dir / L"left.bin"), std::string("\xD2\x04\0\0", 4));
+    // README.md's sample is the unknown handle's box whole; both as LF, whatever the checkout's line ends.
+    std::string real = Narrow(shown[1].text);
+    real.erase(std::remove(real.begin(), real.end(), '\r'), real.end());
+    real.erase(real.find_last_not_of('\n') + 1);
+    std::string readme = ReadFileBytes(std::wstring(TOVARIN_SOURCE_DIR) + L"\\README.md");
+    readme.erase(std::remove(readme.begin(), readme.end(), '\r'), readme.end());
+    const std::string begin = "<!-- sample-box:begin -->\n```\n";
+    const std::size_t from = readme.find(begin) + begin.size();
+    EXPECT_EQ(readme.substr(from, readme.find("\n```\n<!-- sample-box:end -->") - from), real)
+        << "Put the real text into README.md between its sample-box marks:\n"
+        << real;
 }
 
 } // namespace

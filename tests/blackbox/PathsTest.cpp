@@ -17,10 +17,10 @@ protected:
 };
 
 TEST_F(Paths, CheckCopyMoveAndDelete) {
-    EXPECT_EQ(TOVARIN_FN(FileCheckW)(src.c_str()), 1);
-    EXPECT_EQ(TOVARIN_FN(FileCheckW)(dir.Path().c_str()), 0); // a folder
-    EXPECT_EQ(TOVARIN_FN(FileCheckW)((dir / L"missing").c_str()), 0);
-    EXPECT_EQ(TOVARIN_FN(FileCheckW)((dir / L"s*.b?n").c_str()), 1); // the check takes wildcards
+    // The check finds files, not folders, and takes wildcards.
+    for (const auto& [name, found] :
+         {std::make_pair(L"src.bin", 1), {L"s*.b?n", 1}, {L".", 0}, {L"missing", 0}})
+        EXPECT_EQ(TOVARIN_FN(FileCheckW)((dir / name).c_str()), found) << Narrow(name);
     // A copy leaves its source and replaces its target, making folders on the way.
     ASSERT_TRUE(WriteFileBytes(dir / L"old.bin", "older content"));
     EXPECT_EQ(TOVARIN_FN(FileCopyW)(src.c_str(), (dir / L"old.bin").c_str()), 1);
@@ -85,11 +85,10 @@ TEST_F(Paths, HardLinksShareTheFileOnOneDriveOnly) {
     TOVARIN_FN(FileHardLinkW)(src.c_str(), link.c_str());
     ASSERT_EQ(boxes.Boxes().size(), 1u);
     EXPECT_EQ(boxes.Boxes()[0].text.find(L"Last Error"), std::wstring::npos);
-    ExpectOneBox(boxes, "FileHardLinkW",
-                 {L"!\r\nFile: \"Utils.File.cpp\"\r\nLine: ",
-                  L"\nЖёсткая ссылка на файл может создаваться только в пределах одного логического "
-                  L"диска.\r\nИсходный файл:\r\n\"" +
-                      src + L"\"\r\nЖёсткая ссылка на файл:\r\n\"" + link + L"\"\n\n"});
+    ExpectOneBox(
+        boxes, "FileHardLinkW",
+        {L"\"Utils.File.cpp\"", L"только в пределах одного логического диска.\r\nИсходный файл:\r\n\"" + src +
+                                    L"\"\r\nЖёсткая ссылка на файл:\r\n\"" + link});
     EXPECT_FALSE(FileExists(link));
 }
 
@@ -129,7 +128,6 @@ TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
         {L"rel\\x.bin", L""},
         {cwd.substr(0, 2) + L"new\\x.bin", L""},
         {cwd.substr(2) + L"\\new\\x.bin", L""},
-        {L".\\x.bin", L""},
         {L"..\\x.bin", L""}};
     for (const ExportRow& row : Exports()) {
         const std::string name = row.name;

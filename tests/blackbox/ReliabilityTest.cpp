@@ -13,12 +13,6 @@ using namespace TestSupport;
 
 namespace {
 
-size_t HandleCount() {
-    DWORD count = 0;
-    ::GetProcessHandleCount(::GetCurrentProcess(), &count);
-    return count;
-}
-
 size_t HeapBytes() {
     HANDLE heaps[64];
     const DWORD count = std::min<DWORD>(::GetProcessHeaps(64, heaps), 64);
@@ -40,7 +34,7 @@ TEST(Reliability, EightThreadsKeepTheirFilesAndTheSharedFileWhole) {
     TempDir dir;
     BoxRecorder boxes;
     void* shared = TOVARIN_FN(FileCreateAlwaysW)((dir / L"shared").c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
-    std::vector<int> errors(kThreads, 0);
+    std::atomic<int> errors{0};
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t)
         threads.emplace_back([&, t] {
@@ -49,8 +43,8 @@ TEST(Reliability, EightThreadsKeepTheirFilesAndTheSharedFileWhole) {
             void* h = TOVARIN_FN(FileCreateAlwaysW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
             for (int step = 0; step < kSteps; ++step) {
                 std::vector<int> block(kBlock, (t << 24) | step);
-                errors[t] += TOVARIN_FN(FileWriteIntArray)(shared, block.data(), kBlock, 0, kBlock) != kBlock;
-                errors[t] += TOVARIN_FN(FileWriteIntArray)(h, block.data(), kBlock, 0, kBlock) != kBlock;
+                errors += TOVARIN_FN(FileWriteIntArray)(shared, block.data(), kBlock, 0, kBlock) != kBlock;
+                errors += TOVARIN_FN(FileWriteIntArray)(h, block.data(), kBlock, 0, kBlock) != kBlock;
                 if (step % 4 == 3) {
                     TOVARIN_FN(FileCloseHandle)(h);
                     h = TOVARIN_FN(FileOpenExistingW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
@@ -58,11 +52,12 @@ TEST(Reliability, EightThreadsKeepTheirFilesAndTheSharedFileWhole) {
                 }
             }
             TOVARIN_FN(FileCloseHandle)(h);
-            errors[t] += static_cast<int>(boxes.Boxes().size());
+            errors += static_cast<int>(boxes.Boxes().size());
         });
     for (std::thread& thread : threads)
         thread.join();
     TOVARIN_FN(FileCloseHandle)(shared);
+    EXPECT_EQ(errors, 0);
     // The tags of the blocks in a file, each block checked whole.
     const auto tags = [&](const std::wstring& name) {
         const std::string bytes = ReadFileBytes(dir / name);
@@ -76,16 +71,14 @@ TEST(Reliability, EightThreadsKeepTheirFilesAndTheSharedFileWhole) {
         return found;
     };
     std::vector<int> all, shown = tags(L"shared");
-    for (int t = 0; t < kThreads; ++t) {
-        std::vector<int> own(kSteps);
+    for (int t = 0; t < kThreads; ++t)
         for (int step = 0; step < kSteps; ++step)
-            own[step] = (t << 24) | step;
-        EXPECT_EQ(tags(std::to_wstring(t)), own) << t;
-        EXPECT_EQ(errors[t], 0) << t;
-        all.insert(all.end(), own.begin(), own.end());
-    }
+            all.push_back((t << 24) | step); // ascending by thread, then by step
+    for (int t = 0; t < kThreads; ++t)
+        EXPECT_EQ(tags(std::to_wstring(t)), std::vector<int>(&all[t * kSteps], &all[t * kSteps] + kSteps))
+            << t;
     std::sort(shown.begin(), shown.end());
-    EXPECT_EQ(shown, all); // tags ascend by thread, then by step
+    EXPECT_EQ(shown, all);
     ExpectNoBox(boxes);
 }
 
@@ -127,12 +120,14 @@ TEST(Reliability, CloseWhileInUseFailsCleanly) {
 TEST(Reliability, CyclesAndFailuresLeakNeitherHandlesNorMemory) {
     TempDir dir;
     const std::wstring path = dir / L"cycle.bin", missing = dir / L"missing.bin", bad = dir / L"a|b";
-    size_t handles[2] = {}, heap[2] = {}, refused = 0;
+    DWORD handles[2] = {};
+    size_t heap[2] = {}, refused = 0;
     const std::function<void()> body = [&] {
         BoxRecorder refusing(true); // refused boxes: their windows leave nothing behind
         for (int i = 0; i < 3100; ++i) {
             if (i == 100 || i == 3099)
-                handles[i > 100] = HandleCount(), heap[i > 100] = HeapBytes();
+                ::GetProcessHandleCount(::GetCurrentProcess(), &handles[i > 100]),
+                    heap[i > 100] = HeapBytes();
             void* h = TOVARIN_FN(FileOpenAlwaysW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
             TOVARIN_FN(FileWriteInt)(h, i);
             TOVARIN_FN(FileReadStringW)(h, 3);

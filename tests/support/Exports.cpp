@@ -6,10 +6,10 @@ namespace TestSupport {
 
 namespace {
 template <class R> u64 Neutral(const Project::Row<R>& row) {
-    return Bits(row.neutral);
-}
-u64 Neutral(const Project::Row<void>&) {
-    return 0;
+    if constexpr (std::is_void<R>::value)
+        return 0;
+    else
+        return Bits(row.neutral);
 }
 } // namespace
 

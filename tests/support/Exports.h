@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <tuple>
 #include <type_traits>
@@ -57,10 +58,8 @@ template <class R> u64 Bits(R value) {
     return std::is_same<R, bool>::value ? bits & 1 : bits;
 }
 
-template <class T> struct IsText {
-    static constexpr bool value =
-        std::is_same<T, const char*>::value || std::is_same<T, const wchar_t*>::value;
-};
+template <class T>
+using IsText = std::disjunction<std::is_same<T, const char*>, std::is_same<T, const wchar_t*>>;
 
 template <class F> struct Caller;
 template <class R, class... A> struct Caller<R(__cdecl*)(A...)> {
@@ -121,12 +120,9 @@ void ExpectNoBox(BoxRecorder& boxes);
 
 // Makes a folder the current folder for its lifetime.
 struct CurrentFolder {
-    explicit CurrentFolder(const std::wstring& folder) : saved(MAX_PATH, L'\0') {
-        saved.resize(::GetCurrentDirectoryW(MAX_PATH, &saved[0]));
-        ::SetCurrentDirectoryW(folder.c_str());
-    }
-    ~CurrentFolder() { ::SetCurrentDirectoryW(saved.c_str()); }
-    std::wstring saved;
+    explicit CurrentFolder(const std::wstring& folder) { std::filesystem::current_path(folder); }
+    ~CurrentFolder() { std::filesystem::current_path(saved); }
+    const std::filesystem::path saved = std::filesystem::current_path();
 };
 
 } // namespace TestSupport

@@ -1,9 +1,9 @@
 #include "TempDir.h"
 
 #include <windows.h>
-#include <shellapi.h>
 
 #include <atomic>
+#include <filesystem>
 
 namespace TestSupport {
 
@@ -23,12 +23,8 @@ TempDir::TempDir(std::wstring parent) {
 }
 
 TempDir::~TempDir() {
-    const std::wstring list = path_ + L'\0'; // a shell list ends with two zeros
-    SHFILEOPSTRUCTW operation = {};
-    operation.wFunc = FO_DELETE;
-    operation.pFrom = list.c_str();
-    operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI;
-    ::SHFileOperationW(&operation);
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
 }
 
 std::string ReadFileBytes(const std::wstring& path) {

@@ -1,13 +1,22 @@
-// The failure-text composer's headings and last-error block, and the bilingual description tables
-// at their edges.
+// The failure-text composer's headings and last-error block, the bilingual description tables at
+// their edges, and the source file and line that the texts of the pinned sites show, each reached
+// through the internal function (the export-reachable ones are tested through the DLL).
+#include "support/BoxRecorder.h"
+#include "support/TempDir.h"
+
 #include "utils/Utils.CodingStr.h"
 #include "utils/Utils.Error.h"
-
-#include <windows.h>
+#include "utils/Utils.Smart.h"
+#include "utils/Utils.StringBuffer.h"
+#include "utils/Utils.Strings.h"
+#include "utils/Utils.Synchronize.h"
+#include "utils/Utils.Type.h"
 
 #include <gtest/gtest.h>
 
 #include <cwchar>
+
+using namespace TestSupport;
 
 namespace {
 
@@ -21,13 +30,8 @@ std::wstring SystemText(unsigned long code) {
 // layout with single line feeds. `lastError` -1: the block is not asked for.
 TEST(Composer, HeadingsMessageAndLastErrorBlock) {
     const std::wstring f = L"Ошибка в функции \"void f(int)\"!\r\nL\r\n\n";
-    const struct {
-        const wchar_t* where;
-        const wchar_t* text;
-        long lastError;
-        std::wstring composed;
-    } cases[] = {
-        {L"void f(int)[f]\r\nL", L"", -1, L"Ошибка в функции \"void f(int)\"!\r\nL"},
+    // clang-format off
+    const struct { const wchar_t* where; const wchar_t* text; long lastError; std::wstring composed; } cases[] = {
         {L"int g(long)[f][d]\r\nL", L"", -1, L"Обнаружена ошибка функцией \"int g(long)\"!\r\nL"},
         {L"int g(long)[f][w]\r\nL", L"", -1, L"Предупреждение функции \"int g(long)\"!\r\nL"},
         {L"int C::m(long)[x]\r\nL", L"", -1, L"Ошибка в методе \"int C::m(long)\"!\r\nL"},
@@ -38,11 +42,10 @@ TEST(Composer, HeadingsMessageAndLastErrorBlock) {
         {L"void f(int)", L"", -1, L"Ошибка в методе \"void f(int)\"!"},
         {L"void f(int)\r\n[f]File", L"", -1, L"Ошибка в функции \"void f(int)\"!\r\nFile"},
         {L"int a[](int)[f]\r\nL", L"", -1, L"Ошибка в функции \"int a[](int)\"!\r\nL"},
-        {L"void f(int)[f]\r\nL\r\n", L"Сообщение.", -1, f + L"Сообщение.\n"},
         {L"void f(int)[f]\r\nL\r\n", L"Сообщение.", 5,
          f + L"Last Error: 1.\n" + SystemText(1) + L"\nСообщение.\n"},
-        {L"void f(int)[f]\r\nL\r\n", L"", 0, f + L"Last Error: 0.\n" + SystemText(0) + L"\n"},
-    };
+        {L"void f(int)[f]\r\nL\r\n", L"", 0, f + L"Last Error: 0.\n" + SystemText(0) + L"\n"}};
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(c.where)));
         ::SetLastError(static_cast<DWORD>(c.lastError));
@@ -104,6 +107,67 @@ TEST(DescriptionTables, EntriesAtTheEdgesAndCodesBesideThemFallBackToTheSystem) 
         }
         for (const long code : t.beside)
             EXPECT_EQ(t.wide(code), SystemDescriptionW(static_cast<unsigned long>(code))) << code;
+    }
+}
+
+struct Plain : Utils::Smart::Base {};
+
+// An event holding a handle of the test's making.
+struct PlantedEvent : Utils::Sync::Event {
+    explicit PlantedEvent(HANDLE handle) { handle_ = handle; }
+    ~PlantedEvent() override { handle_ = nullptr; }
+};
+
+struct Site {
+    const wchar_t* file;
+    int line; // 0: not pinned, the file only
+    std::function<void()> call;
+};
+
+std::wstring g_text; // empty: the string algorithms take their text by reference
+Plain g_left, g_right;
+Utils::_STRINGBUF<wchar_t> g_ab;
+unsigned __int64 g_number = 1;
+
+TEST(PinnedSites, TextsShowTheirFileAndLine) {
+    g_ab.Init(L"ab", 0, 0);
+    Utils::Sync::Mutex mutex; // nobody owns it
+    mutex.Create(L"Tovarin-pinned-" + std::to_wstring(::GetCurrentProcessId()));
+    const Site sites[] = {
+        {L"Utils.Smart.cpp", 350, [] { Plain().Release(); }},
+        {L"Utils.Smart.cpp", 249, [] { Utils::Smart::WeakFactory::Instance().DropId(-77); }},
+        {L"Utils.Smart.cpp", 376, [] { g_left.Equals(&g_right); }},
+        {L"Utils.Smart.cpp", 401, [] { g_left.Less(&g_right); }},
+        {L"Utils.Type.h", 342, [] { Utils::Type::IsWide<int>(L"caller"); }},
+        {L"Utils.StringBuffer.h", 73, [] { Utils::_STRINGBUF<wchar_t>().Init(L"", 0, 0); }},
+        {L"Utils.StringBuffer.h", 97, [] { Utils::_STRINGBUF<wchar_t>().Init(std::wstring(), 0, ~0ull); }},
+        {L"Utils.StringBuffer.h", 286, [] { g_ab.Copy(5, 1); }},
+        {L"Utils.StringBuffer.h", 142, [] { Utils::_STRINGBUF<char>().Pointer<char>(0); }},
+        {L"Utils.Strings.cpp", 3793, [] { Utils::String::ReplaceW(g_text, 0, 1, L'a', L'b'); }},
+        {L"Utils.Strings.cpp", 3981, [] { Utils::String::UpperW(g_text, 0, 4294967295ul); }},
+        {L"Utils.Strings.cpp", 2976,
+         [] { Utils::String::PosByReverseNumberSubStringsW(L"a", L"", g_number, ~0ull, 0); }},
+        {L"Utils.Strings.cpp", 0, [] { Utils::String::Path::TrimNameFileCW(L"", 0); }},
+        {L"Utils.Synchronize.cpp", 509, [] { Utils::Sync::Mutex().Create(L"NoSuchNamespace\\x"); }},
+        {L"Utils.Synchronize.cpp", 560, [&] { mutex.Release(); }},
+        {L"Utils.Synchronize.cpp", 341,
+         [] { PlantedEvent(reinterpret_cast<HANDLE>(intptr_t(0x7FFF0))).Close(); }},
+        {L"Utils.Synchronize.cpp", 356, [] { Utils::Sync::Event().Create(L"NoSuchNamespace\\x"); }},
+        {L"Utils.Error.cpp", 522, [] { ::SetLastError(0x71), Utils::Error::DescriptionW<int>(0); }},
+    };
+    BoxRecorder boxes;
+    for (const Site& site : sites) {
+        SCOPED_TRACE(site.line);
+        std::wstring text = Thrown(site.call);
+        if (!boxes.Boxes().empty()) { // the describer's notice for a shell code: a box, not a throw
+            EXPECT_EQ(boxes.Boxes()[0].icon, MB_ICONINFORMATION);
+            text = boxes.Boxes()[0].text;
+            boxes.Clear();
+        }
+        const std::wstring where = std::wstring(L"File: \"") + site.file + L"\"\r\nLine: ";
+        EXPECT_NE(text.find(site.line == 0 ? where : where + std::to_wstring(site.line) + L"\r\n"),
+                  std::wstring::npos)
+            << Narrow(text);
     }
 }
 
