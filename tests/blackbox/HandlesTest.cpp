@@ -11,8 +11,6 @@ using namespace TestSupport;
 
 namespace {
 
-const std::wstring kUnknown = L"Неверный системный дескриптор файла.";
-
 class Handles : public testing::Test {
 protected:
     void* Create(const std::wstring& name) {
@@ -42,14 +40,11 @@ TEST_F(Handles, BadHandlesAgainstBadSlices) {
     const std::string pathA = Narrow(dir / L"target.bin", CP_ACP);
     const std::wstring pathW = dir / L"target.bin";
     alignas(8) char buffer[256] = {};
-    const struct {
-        u64 size, start, count;
-        const wchar_t* text;
-    } slices[] = {
-        {8, 0, 0, L"\r\nОтсутствует количество элементов."},
-        {8, 8, 1,
-         L"элементов.\n\nКоличество всех элементов: 8\nСтартовый элемент: 8\nКоличество элементов: 1"},
-        {0, 0, 1, L"\nКоличество всех элементов равно нулю."}};
+    // clang-format off
+    const struct { u64 size, start, count; const wchar_t* text; } slices[] = {
+        {8, 0, 0, L"\r\nОтсутствует количество элементов."}, {0, 0, 1, L"\nКоличество всех элементов равно нулю."},
+        {8, 8, 1, L"элементов.\n\nКоличество всех элементов: 8\nСтартовый элемент: 8\nКоличество элементов: 1"}};
+    // clang-format on
     for (const ExportRow& row : Exports()) {
         if (!row.byHandle)
             continue;
@@ -60,14 +55,17 @@ TEST_F(Handles, BadHandlesAgainstBadSlices) {
         for (void* handle : {unknown, closed, open})
             for (size_t k = 0; k < (typed && handle == unknown ? 3 : 1); ++k) {
                 const auto& s = slices[k];
-                const char* kind = handle == closed ? " closed " : handle == open ? " open " : " unknown ";
-                SCOPED_TRACE(name + kind + Narrow(s.text));
+                SCOPED_TRACE(name +
+                             (handle == closed ? " closed "
+                              : handle == open ? " open "
+                                               : " unknown ") +
+                             Narrow(s.text));
                 const CallArgs args{
                     handle, buffer, {pathA.c_str()}, {pathW.c_str()}, {10, s.size, s.start, s.count}};
                 const bool slice = typed || (handle == open && array);
                 if (slice || handle != open) {
                     EXPECT_EQ(row.Call(args), row.neutral);
-                    ExpectOneBox(boxes, name, {slice ? s.text : kUnknown});
+                    ExpectOneBox(boxes, name, {slice ? s.text : L"Неверный системный дескриптор файла."});
                 } else if (text || name.find("Void") != std::string::npos) { // nothing moved
                     const u64 result = row.Call(args);
                     EXPECT_TRUE(text ? result != 0 && *reinterpret_cast<const char*>(result) == 0

@@ -44,8 +44,7 @@ TEST_F(Seam, FailedAndShortTransfersThrowWithTheCountsAndKeepEarlierBytes) {
             ::SetLastError(ERROR_DISK_FULL);
             return g.result;
         };
-        for (const auto& c :
-             {std::make_pair(FALSE, 0ul), std::make_pair(TRUE, 3ul), std::make_pair(FALSE, 2ul)}) {
+        for (const auto& c : {std::make_pair(TRUE, 3ul), std::make_pair(FALSE, 2ul)}) { // short, failed
             g.result = c.first;
             g.done = c.second;
             const std::wstring text = Thrown([&] { file._Write(handle, "more", 4); });
