@@ -210,7 +210,9 @@ TEST_F(Handles, WholeFileOperationsBySizeAndPointer) {
 TEST(Registry, TextsWholeAsTheReadmeShowsThemTheCaptionAndTheUnload) {
     TempDir dir;
     const std::wstring copy = dir / L"Tovarin Copy.dll";
-    ASSERT_TRUE(::CopyFileW((ExecutableFolder() + L"Tovarin.dll").c_str(), copy.c_str(), FALSE));
+    wchar_t built[MAX_PATH] = {};
+    ::GetModuleFileNameW(TovarinModule(), built, MAX_PATH);
+    ASSERT_TRUE(::CopyFileW(built, copy.c_str(), FALSE));
     HMODULE module = ::LoadLibraryW(copy.c_str());
     ASSERT_NE(module, nullptr);
     const auto writeInt = FromModule<decltype(&::FileWriteInt)>(module, "FileWriteInt");

@@ -17,13 +17,6 @@
 
 namespace TestSupport {
 
-// The folder of the running executable, with a trailing backslash.
-inline std::wstring ExecutableFolder() {
-    wchar_t self[MAX_PATH] = {};
-    const std::wstring path(self, ::GetModuleFileNameW(nullptr, self, MAX_PATH));
-    return path.substr(0, path.find_last_of(L'\\') + 1);
-}
-
 // The export `name` of a loaded module as a function of type F.
 template <class F> F FromModule(HMODULE module, const char* name) {
     FARPROC proc = ::GetProcAddress(module, name);
@@ -32,9 +25,9 @@ template <class F> F FromModule(HMODULE module, const char* name) {
     return reinterpret_cast<F>(reinterpret_cast<void*>(proc));
 }
 
-// The built Tovarin.dll, loaded once the way the terminal loads it.
+// The built Tovarin.dll beside the executable, loaded once the way the terminal loads it.
 inline HMODULE TovarinModule() {
-    static HMODULE module = ::LoadLibraryW((ExecutableFolder() + L"Tovarin.dll").c_str());
+    static HMODULE module = ::LoadLibraryW(L"Tovarin.dll");
     return module;
 }
 

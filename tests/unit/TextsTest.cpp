@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <cwchar>
+#include <tuple>
 
 using namespace TestSupport;
 
@@ -58,15 +59,10 @@ TEST(Composer, HeadingsMessageAndLastErrorBlock) {
 // and gets the system's text; code 0 has one shared entry.
 TEST(DescriptionTables, EntriesAtTheEdgesAndCodesBesideThemFallBackToTheSystem) {
     using namespace Utils::Error;
-    struct Table { // the wide and 8-bit (or null) describers, how a block shows its code, codes with and
-                   // without entries
-        std::wstring (*wide)(long);
-        std::string (*narrow)(long);
-        const wchar_t* code;
-        std::vector<std::pair<long, const wchar_t*>> entries;
-        std::vector<long> beside;
-    };
+    // The describers (wide; 8-bit or null), how a block shows its code, codes with and without entries.
     // clang-format off
+    struct Table { std::wstring (*wide)(long); std::string (*narrow)(long); const wchar_t* code;
+        std::vector<std::pair<long, const wchar_t*>> entries; std::vector<long> beside; };
     const Table tables[] = {
         {[](long c) { return InternetW(c); }, [](long c) { return InternetA(c); }, L"%ld",
          {{12001, L"No more handles"}, {12034, L"A user interface"}, {12036, L"The request failed"},
@@ -118,12 +114,6 @@ struct PlantedEvent : Utils::Sync::Event {
     ~PlantedEvent() override { handle_ = nullptr; }
 };
 
-struct Site {
-    const wchar_t* file;
-    int line; // 0: not pinned, the file only
-    std::function<void()> call;
-};
-
 std::wstring g_text; // empty: the string algorithms take their text by reference
 Plain g_left, g_right;
 Utils::_STRINGBUF<wchar_t> g_ab;
@@ -133,7 +123,8 @@ TEST(PinnedSites, TextsShowTheirFileAndLine) {
     g_ab.Init(L"ab", 0, 0);
     Utils::Sync::Mutex mutex; // nobody owns it
     mutex.Create(L"Tovarin-pinned-" + std::to_wstring(::GetCurrentProcessId()));
-    const Site sites[] = {
+    const std::tuple<const wchar_t*, int, std::function<void()>> sites[] = {
+        // the file, the line or 0
         {L"Utils.Smart.cpp", 350, [] { Plain().Release(); }},
         {L"Utils.Smart.cpp", 249, [] { Utils::Smart::WeakFactory::Instance().DropId(-77); }},
         {L"Utils.Smart.cpp", 376, [] { g_left.Equals(&g_right); }},
@@ -156,18 +147,16 @@ TEST(PinnedSites, TextsShowTheirFileAndLine) {
         {L"Utils.Error.cpp", 522, [] { ::SetLastError(0x71), Utils::Error::DescriptionW<int>(0); }},
     };
     BoxRecorder boxes;
-    for (const Site& site : sites) {
-        SCOPED_TRACE(site.line);
-        std::wstring text = Thrown(site.call);
+    for (const auto& [file, line, call] : sites) {
+        SCOPED_TRACE(line);
+        std::wstring text = Thrown(call);
         if (!boxes.Boxes().empty()) { // the describer's notice for a shell code: a box, not a throw
             EXPECT_EQ(boxes.Boxes()[0].icon, MB_ICONINFORMATION);
             text = boxes.Boxes()[0].text;
             boxes.Clear();
         }
-        const std::wstring where = std::wstring(L"File: \"") + site.file + L"\"\r\nLine: ";
-        EXPECT_NE(text.find(site.line == 0 ? where : where + std::to_wstring(site.line) + L"\r\n"),
-                  std::wstring::npos)
-            << Narrow(text);
+        const std::wstring where = std::wstring(L"File: \"") + file + L"\"\r\nLine: ";
+        EXPECT_HAS(text, line == 0 ? where : where + std::to_wstring(line) + L"\r\n");
     }
 }
 
