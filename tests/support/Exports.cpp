@@ -48,29 +48,13 @@ void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector
     EXPECT_EQ(shown[0].icon, icon);
     EXPECT_EQ(shown[0].text.find(Heading(name)), 0u) << Narrow(shown[0].text);
     for (const std::wstring& piece : pieces)
-        EXPECT_NE(shown[0].text.find(piece), std::wstring::npos) << Narrow(piece) << "\nnot in\n"
-                                                                 << Narrow(shown[0].text);
+        EXPECT_HAS(shown[0].text, piece) << "\nlacks\n" << Narrow(piece);
 }
 
 void ExpectNoBox(BoxRecorder& boxes) {
     const std::vector<Box> shown = boxes.Boxes();
     boxes.Clear();
     EXPECT_TRUE(shown.empty()) << Narrow(shown[0].text);
-}
-
-CurrentFolder::CurrentFolder(const std::wstring& folder) : folder_(folder), saved_(MAX_PATH, L'\0') {
-    saved_.resize(::GetCurrentDirectoryW(MAX_PATH, &saved_[0]));
-    ::SetCurrentDirectoryW(folder.c_str());
-}
-
-bool CurrentFolder::Empty() const {
-    WIN32_FIND_DATAW found;
-    HANDLE search = ::FindFirstFileW((folder_ + L"\\*").c_str(), &found);
-    int entries = 0; // "." and ".." are always there
-    for (bool more = search != INVALID_HANDLE_VALUE; more; more = ::FindNextFileW(search, &found))
-        ++entries;
-    ::FindClose(search);
-    return entries <= 2;
 }
 
 } // namespace TestSupport

@@ -119,15 +119,14 @@ void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector
                   UINT icon = MB_ICONERROR);
 void ExpectNoBox(BoxRecorder& boxes);
 
-// Makes a folder the current folder for its lifetime; Empty() tells whether the folder is empty.
-class CurrentFolder {
-public:
-    explicit CurrentFolder(const std::wstring& folder);
-    ~CurrentFolder() { ::SetCurrentDirectoryW(saved_.c_str()); }
-    bool Empty() const;
-
-private:
-    std::wstring folder_, saved_;
+// Makes a folder the current folder for its lifetime.
+struct CurrentFolder {
+    explicit CurrentFolder(const std::wstring& folder) : saved(MAX_PATH, L'\0') {
+        saved.resize(::GetCurrentDirectoryW(MAX_PATH, &saved[0]));
+        ::SetCurrentDirectoryW(folder.c_str());
+    }
+    ~CurrentFolder() { ::SetCurrentDirectoryW(saved.c_str()); }
+    std::wstring saved;
 };
 
 } // namespace TestSupport

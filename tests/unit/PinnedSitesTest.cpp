@@ -59,26 +59,22 @@ TEST(PinnedSites, TextsShowTheirFileAndLine) {
         {L"Utils.Synchronize.cpp", 341,
          [] { PlantedEvent(reinterpret_cast<HANDLE>(intptr_t(0x7FFF0))).Close(); }},
         {L"Utils.Synchronize.cpp", 356, [] { Utils::Sync::Event().Create(L"NoSuchNamespace\\x"); }},
+        {L"Utils.Error.cpp", 522, [] { ::SetLastError(0x71), Utils::Error::DescriptionW<int>(0); }},
     };
+    BoxRecorder boxes;
     for (const Site& site : sites) {
         SCOPED_TRACE(site.line);
-        const std::wstring text = Thrown(site.call);
+        std::wstring text = Thrown(site.call);
+        if (!boxes.Boxes().empty()) { // the describer's notice for a shell code: a box, not a throw
+            EXPECT_EQ(boxes.Boxes()[0].icon, MB_ICONINFORMATION);
+            text = boxes.Boxes()[0].text;
+            boxes.Clear();
+        }
         const std::wstring where = std::wstring(L"File: \"") + site.file + L"\"\r\nLine: ";
         EXPECT_NE(text.find(site.line == 0 ? where : where + std::to_wstring(site.line) + L"\r\n"),
                   std::wstring::npos)
             << Narrow(text);
     }
-}
-
-// The describer's notice for a shell code is a notice box, not a throw.
-TEST(PinnedSites, DescriberNoticeShowsItsFileAndLine) {
-    BoxRecorder boxes;
-    ::SetLastError(0x71);
-    Utils::Error::DescriptionW<int>(0);
-    const std::vector<Box> shown = boxes.Boxes();
-    ASSERT_EQ(shown.size(), 1u);
-    EXPECT_NE(shown[0].text.find(L"File: \"Utils.Error.cpp\"\r\nLine: 522\r\n"), std::wstring::npos);
-    EXPECT_EQ(shown[0].icon, MB_ICONINFORMATION);
 }
 
 } // namespace
