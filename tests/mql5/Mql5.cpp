@@ -4,17 +4,6 @@
 
 namespace mql {
 
-int StringFind(const string& s, const string& what, int start) {
-    const std::size_t at = start < 0 ? std::u16string::npos : s.text.find(what.text, start);
-    return at == std::u16string::npos ? -1 : static_cast<int>(at);
-}
-
-string StringSubstr(const string& s, int start, int length) {
-    if (start < 0 || start >= StringLen(s))
-        return string();
-    return s.text.substr(start, length < 0 ? std::u16string::npos : static_cast<std::size_t>(length));
-}
-
 // count -1 takes the whole text and its terminating 0; a dynamic array grows to hold them, a static
 // one takes what fits.
 int StringToCharArray(const string& s, Array<uchar>& a, int start, int count, uint cp) {

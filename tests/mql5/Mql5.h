@@ -1,9 +1,8 @@
 #pragma once
-// MQL5's types and built-in functions, as far as the kit uses them, for the MQL5 that translate.py
-// turns into C++. Where MQL5 and C++ differ, this follows MQL5: strings are values, arrays know their
-// size and whether they are static, an index out of range is a critical error that stops the program
-// (here: throws Stop, which fails the test), ArrayResize returns -1 instead of throwing, and new
-// elements are not initialised (here: 0xA5 bytes, so that code which reads them first shows it).
+// MQL5's types and built-in functions as far as the kit uses them, for the C++ of translate.py. Where
+// MQL5 and C++ differ, this follows MQL5: strings are values, an index out of range stops the program
+// (throws Stop, which fails the test), ArrayResize returns -1, and new elements are not initialised
+// (0xA5 bytes here, so that code which reads them first shows it).
 #include <algorithm>
 #include <climits>
 #include <cstdio>
@@ -23,7 +22,7 @@ typedef std::uint16_t ushort;
 typedef std::uint32_t uint;
 typedef std::uint64_t ulong;
 typedef std::int64_t datetime;
-const int WHOLE_ARRAY = -1, INVALID_HANDLE = -1;
+const int WHOLE_ARRAY = -1;
 // INT_MAX and UINT_MAX are C's, with MQL5's values; C's ULONG_MAX has 32 bits on Windows, MQL5's 64.
 const ulong ULONG_MAX_ = ~0ull;
 const uint CP_ACP = 0, CP_UTF8 = 65001;
@@ -40,8 +39,7 @@ struct string {
     friend string operator+(string a, const string& b) { return a += b; }
     template <class T, class = std::enable_if_t<std::is_integral_v<T>>>
     friend string operator+(string a, T n) {
-        const std::string digits = std::is_signed_v<T> ? std::to_string(static_cast<long long>(n))
-                                                       : std::to_string(static_cast<unsigned long long>(n));
+        const std::string digits = std::to_string(n);
         return a.text.append(digits.begin(), digits.end()), a;
     }
     friend bool operator==(const string& a, const string& b) { return a.text == b.text; }
@@ -62,15 +60,10 @@ template <class T> T Unset() {
     return value;
 }
 
-// std::vector<bool> packs bits; an MQL5 bool array holds a byte per element, as the DLL reads it.
-struct Bool {
-    bool value;
-    Bool(bool v = false) : value(v) {}
-};
-
-// A dynamic array (T a[]) or a static one (T a[N]), and a `T &a[]` parameter bound to either.
+// A dynamic array (T a[]) or a static one (T a[N]), and a `T &a[]` parameter bound to either. A bool
+// is a byte, as the DLL reads it (std::vector<bool> packs bits).
 template <class T> struct Array {
-    std::vector<std::conditional_t<std::is_same_v<T, bool>, Bool, T>> items;
+    std::vector<std::conditional_t<std::is_same_v<T, bool>, uchar, T>> items;
     bool fixed = false;
     static Array Static(int size, std::initializer_list<T> init) {
         Array a{decltype(items)(init.begin(), init.end()), true};
@@ -116,11 +109,17 @@ template <class T> std::vector<T> Slice(const Array<T>& a, int start, int count)
 inline int StringLen(const string& s) {
     return static_cast<int>(s.text.size());
 }
-int StringFind(const string& s, const string& what, int start = 0);
+inline int StringFind(const string& s, const string& what, int start = 0) {
+    const std::size_t at = start < 0 ? std::u16string::npos : s.text.find(what.text, start);
+    return at == std::u16string::npos ? -1 : static_cast<int>(at);
+}
 inline bool StringReserve(string& s, uint capacity) {
     return s.text.reserve(capacity), true;
 }
-string StringSubstr(const string& s, int start, int length = -1);
+inline string StringSubstr(const string& s, int start, int length = -1) {
+    return start < 0 || start >= StringLen(s) ? string()
+                                              : s.text.substr(start, length < 0 ? s.text.npos : length);
+}
 int StringToCharArray(const string& s, Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
 string CharArrayToString(const Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
 inline string ShortArrayToString(const Array<ushort>& a, int start = 0, int count = -1) {
@@ -237,21 +236,11 @@ inline string DoubleToString(double value, int digits) {
     std::snprintf(text, sizeof text, "%.*f", digits, value);
     return std::u16string(text, text + std::strlen(text));
 }
-inline bool EventSetTimer(int) {
-    return true;
-}
 inline string CommonDataPath;
-inline string TerminalInfoString(ENUM_TERMINAL_INFO_STRING) {
-    return CommonDataPath;
-}
-inline int MQLInfoInteger(ENUM_MQL_INFO_INTEGER) {
-    return 1;
-}
-inline int GetLastError() {
-    return 0;
-}
-inline string EnumToString(ENUM_TIMEFRAMES) {
-    return u"PERIOD_H1"_s;
-}
+inline const auto EventSetTimer = [](int) { return true; };
+inline const auto TerminalInfoString = [](ENUM_TERMINAL_INFO_STRING) { return CommonDataPath; };
+inline const auto MQLInfoInteger = [](ENUM_MQL_INFO_INTEGER) { return 1; };
+inline const auto GetLastError = [] { return 0; };
+inline const auto EnumToString = [](ENUM_TIMEFRAMES) { return u"PERIOD_H1"_s; };
 
 } // namespace mql

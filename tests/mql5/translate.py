@@ -115,17 +115,15 @@ class Translator:
             close = next(j for j in range(k + 3, len(sig)) if word(j) == "]")
             if word(close + 1) == "[":
                 self.refuse(line, "arrays of more than one dimension are outside the subset")
+            size = "".join(word(j) for j in range(k + 3, close))
             out[sig[k]] = "Array<%s>" % t
-            for j in range(k + 3, close):
+            for j in range(k + 2, close + 1):
                 out[sig[j]] = ""
-            if close == k + 3 and word(close + 1) != "=":  # dynamic
-                out[sig[k + 2]] = out[sig[close]] = ""
-                return
-            out[sig[k + 2]] = " = Array<%s>::Static(%s, " % (t, "".join(word(j) for j in range(k + 3, close)) or "0")
-            out[sig[close]] = "{})"
-            if word(close + 1) == "=" and word(close + 2) == "{":
-                out[sig[close]] = out[sig[close + 1]] = ""
+            if word(close + 1) == "=" and word(close + 2) == "{":  # static, its size that of the list or more
+                out[sig[close + 1]] = "= Array<%s>::Static(%s," % (t, size or "0")
                 out[sig[next(j for j in range(close + 2, len(sig)) if word(j) == "}")]] += ")"
+            elif size:  # static
+                out[sig[close]] = " = Array<%s>::Static(%s, {})" % (t, size)
 
     def prototype(self, words, line):
         """The body of an imported function: it calls the export of its name."""

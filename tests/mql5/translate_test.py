@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The translator refuses MQL5 outside its subset, naming the file and the line."""
 import os
+import re
 import sys
 import unittest
 
@@ -9,7 +10,6 @@ from translate import Refused, Translator  # noqa: E402
 
 REFUSED = [  # (text from line 3 on, the line refused, what the refusal says)
     ("int *p;", 3, "pointers"),
-    ("template<typename T> T Twice(T a) { return(a + a); }", 3, "'template'"),
     ("void F()\n  {\n   static int n;\n  }", 5, "'static'"),
     ("int F() { return(MathAbs(-1)); }", 3, "'MathAbs' is neither declared"),
     ("int a[2][3];", 3, "more than one dimension"),
@@ -27,12 +27,10 @@ REFUSED = [  # (text from line 3 on, the line refused, what the refusal says)
 class Refusals(unittest.TestCase):
     def test_each_refusal_names_file_and_line(self):
         for text, line, why in REFUSED:
-            with self.subTest(text=text), self.assertRaises(Refused) as refused:
+            with self.subTest(text=text), self.assertRaisesRegex(Refused, "^t.mq5:%d: .*%s" % (line, re.escape(why))):
                 translator = Translator("out", "include")
                 translator.path = "t.mq5"
                 translator.translate("// accepted\nint One() { return(1); }\n" + text)
-            self.assertTrue(str(refused.exception).startswith("t.mq5:%d: " % line), refused.exception)
-            self.assertIn(why, str(refused.exception))
 
 
 if __name__ == "__main__":
