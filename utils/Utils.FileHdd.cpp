@@ -163,12 +163,14 @@ void FileHdd::_Close(void* const handle) {
     if (handle == nullptr)
         return;
     if (!Sys().closeHandle(handle)) {
+        const unsigned long lastError = ::GetLastError(); // the box reports the close's own error
         // The handle is formatted here: standard libraries stream a pointer as 0x1234 or 0000000000001234.
         const std::wstring shown = NumToStrW(reinterpret_cast<unsigned __int64>(handle), 2, true);
         std::wostringstream text;
         text << L"Не закрыт файл:" << std::endl
              << L"\"" << path_ << L"\"" << std::endl
              << L"Системный дескриптор: " << shown;
+        ::SetLastError(lastError);
         TOVARIN_THROW(kClose, true, text.str());
     }
 }
