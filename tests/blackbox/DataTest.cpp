@@ -2,10 +2,8 @@
 // trims, string arrays and host records in all four forms, short reads.
 #include "support/Exports.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
 #include <limits>
+#include <typeinfo>
 
 using namespace TestSupport;
 
@@ -13,43 +11,37 @@ namespace {
 
 class Data : public testing::Test {
 public:
-    void SetUp() override {
-        h = TOVARIN_FN(FileCreateAlwaysW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
-        ASSERT_NE(h, nullptr);
-    }
+    void SetUp() override { ASSERT_NE(h, nullptr); }
     void TearDown() override { TOVARIN_FN(FileCloseHandle)(h); }
-    std::string Bytes() {
-        TOVARIN_FN(FileFlushApply)(h);
-        return ReadFileBytes(path);
+    // Empties the file, writes `bytes` and puts the pointer back at 0.
+    void Fill(const std::string& bytes) {
+        TOVARIN_FN(FileClear)(h);
+        TOVARIN_FN(FileWriteVoid)(h, bytes.data(), bytes.size());
+        EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(h, 0), 0);
     }
-    void Rewind() { EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(h, 0), 0); }
-    void Reset() { TOVARIN_FN(FileClear)(h); }
     TempDir dir;
     const std::wstring path = dir / L"data.bin";
     BoxRecorder boxes;
-    void* h = nullptr;
+    void* h = TOVARIN_FN(FileCreateAlwaysW)(path.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
 };
 
 // A scalar goes out as exactly `bytes` and comes back; elements 1.. of a 3-element array (count to
-// the end) go out and come back into elements 1.. of another, whose element 0 stays untouched.
+// the end) go out after it and come back into elements 1.. of another (a count past the end is
+// clipped), whose element 0 stays untouched.
 template <class T, class W, class R, class WA, class RA>
 void RoundTrip(Data& d, W write, R read, T value, const std::string& bytes, WA writeArray, RA readArray) {
-    SCOPED_TRACE(bytes.size());
-    d.Reset();
-    EXPECT_EQ(write(d.h, value), static_cast<int>(bytes.size()));
-    EXPECT_EQ(d.Bytes(), bytes);
-    d.Rewind();
-    const T back = read(d.h);
-    EXPECT_EQ(std::memcmp(&back, &value, sizeof(T)), 0);
-    EXPECT_EQ(TOVARIN_FN(FileGetPointer)(d.h), static_cast<__int64>(sizeof(T)));
-    T values[3] = {T(), T(), value}, into[3];
+    SCOPED_TRACE(typeid(T).name());
+    T values[3] = {value, value, value}, back[2], into[3];
     std::memset(&values[1], 0x11, sizeof(T));
     std::memset(into, 0x7F, sizeof(into));
-    d.Reset();
+    d.Fill("");
+    EXPECT_EQ(write(d.h, value), static_cast<int>(bytes.size()));
     EXPECT_EQ(writeArray(d.h, values, 3, 1, TOVARIN_TO_END), 2u);
-    EXPECT_EQ(d.Bytes(), std::string(sizeof(T), '\x11') + bytes);
-    d.Rewind();
-    EXPECT_EQ(readArray(d.h, into, 3, 1, 5), 2u); // a count past the end is clipped
+    EXPECT_EQ(ReadFileBytes(d.path), bytes + std::string(sizeof(T), '\x11') + bytes);
+    EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(d.h, 0), 0);
+    back[0] = read(d.h);
+    EXPECT_EQ(readArray(d.h, into, 3, 1, 5), 2u);
+    EXPECT_EQ(std::memcmp(back, &value, sizeof(T)), 0);
     EXPECT_EQ(std::memcmp(&into[1], &values[1], 2 * sizeof(T)), 0);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(into), sizeof(T)), std::string(sizeof(T), '\x7F'));
 }
@@ -77,20 +69,18 @@ TEST_F(Data, EveryTypeAsItsLittleEndianBytesAloneAndInArrays) {
 // A short scalar read returns 0 with the short-read text; a short array read keeps what arrived.
 // Array writes move their count, clipped to the end even when start + count wraps around.
 TEST_F(Data, ShortReadsKeepTheBytesThatArrived) {
-    TOVARIN_FN(FileWriteShort)(h, 0x0102);
-    Rewind();
+    int ints[4] = {7, 8, 9, 10};
+    EXPECT_EQ(TOVARIN_FN(FileWriteIntArray)(h, ints, 4, 0, 3), 3u);
+    EXPECT_EQ(TOVARIN_FN(FileWriteIntArray)(h, ints, 4, 3, ~0ull - 2), 1u);
+    EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(h, 14), 14);
     EXPECT_EQ(TOVARIN_FN(FileReadInt)(h), 0); // the neutral result, not the two bytes
     ExpectOneBox(boxes, "FileReadInt",
                  {L"Utils::FileHdd::_Read(void *const ,void *,const unsigned __int64)\"!\r\nFile: "
                   L"\"Utils.FileHdd.cpp\"",
                   L"\nНа итерации 0 не прочитаны данные из файла:\n\"" + path +
-                      L"\"\nФайловый указатель: 2\nЗапрошено: 4\nПрочитано: 2\n\n"});
+                      L"\"\nФайловый указатель: 16\nЗапрошено: 4\nПрочитано: 2\n\n"});
     // 5 doubles 16 bytes before the end: the 16 bytes stay in the array.
-    Reset();
-    int ints[4] = {7, 8, 9, 10};
-    EXPECT_EQ(TOVARIN_FN(FileWriteIntArray)(h, ints, 4, 0, 3), 3u);
-    EXPECT_EQ(TOVARIN_FN(FileWriteIntArray)(h, ints, 4, 3, ~0ull - 2), 1u);
-    Rewind();
+    EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(h, 0), 0);
     double doubles[5] = {-1, -1, -1, -1, -1};
     EXPECT_EQ(TOVARIN_FN(FileReadDoubleArray)(h, doubles, 5, 0, 5), TOVARIN_FAILED_COUNT);
     ExpectOneBox(boxes, "FileReadDoubleArray", {L"Запрошено: 40\nПрочитано: 16"});
@@ -104,7 +94,7 @@ TEST_F(Data, TextsAreRawAndReadsTrimTheEnd) {
     EXPECT_EQ(TOVARIN_FN(FileWriteStringW)(h, L"a b"), 6);
     EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, "\xE9\t"), 2);
     EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, nullptr), 0); // a null text to write is empty
-    EXPECT_EQ(Bytes(), std::string("a\0 \0b\0\xE9\t", 8));
+    EXPECT_EQ(ReadFileBytes(path), std::string("a\0 \0b\0\xE9\t", 8));
     // clang-format off
     const struct { bool wide; std::string bytes; u64 size; std::string text; } cases[] = {
         {true, std::string("a\0 \0b\0\t\0\r\0\n\0 \0\0\0", 16), 8, "a b"}, {true, "xy", 0, ""},
@@ -114,50 +104,43 @@ TEST_F(Data, TextsAreRawAndReadsTrimTheEnd) {
     u64 first[2] = {};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.bytes);
-        Reset();
-        TOVARIN_FN(FileWriteVoid)(h, c.bytes.data(), c.bytes.size());
-        Rewind();
+        Fill(c.bytes);
         const u64 text = ExportOf(c.wide ? "FileReadStringW" : "FileReadStringA")
                              .Call({h, nullptr, {}, {}, {0, 0, 0, c.size}});
         ASSERT_NE(text, 0u);
         first[c.wide] = first[c.wide] == 0 ? text : first[c.wide];
-        const auto shown = [&](u64 at) {
-            return c.wide ? Narrow(reinterpret_cast<const wchar_t*>(at))
-                          : std::string(reinterpret_cast<const char*>(at));
-        };
-        EXPECT_EQ(shown(text), c.text);
-        EXPECT_EQ(shown(first[c.wide]), c.text);
+        for (const u64 at : {text, first[c.wide]})
+            EXPECT_EQ(c.wide ? Narrow(reinterpret_cast<const wchar_t*>(at))
+                             : reinterpret_cast<const char*>(at),
+                      c.text);
         EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), static_cast<__int64>(c.size * (c.wide ? 2 : 1)));
     }
     ExpectNoBox(boxes);
 }
 
+// Lines end in CR LF; records are written without their trailing blanks, read cut to their size and
+// terminated, into the record at the slice's start; a read consumes the rest of the file.
 TEST_F(Data, StringArraysInAllFourForms) {
     const wchar_t* wide[] = {L"a", L"", L"bc"};
-    EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayW)(h, wide, 3, 1, TOVARIN_TO_END), 2u);
     const char* narrow[] = {"x", "yz"};
-    EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayA)(h, narrow, 2, 0, 1), 1u);
     wchar_t recordW[5] = {L'p', L'q', L' ', L'\t', 0};
     char recordA[4] = {'r', ' ', '\n', 0};
     TovarinMqlStrW recordsW[2] = {{5, recordW}, {64, nullptr}}; // no buffer: an empty line
     TovarinMqlStrA recordsA[1] = {{4, recordA}};
+    EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayW)(h, wide, 3, 1, TOVARIN_TO_END), 2u);
+    EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayA)(h, narrow, 2, 0, 1), 1u);
     EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayMW)(h, recordsW, 2, 0, 2), 2u);
     EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayMA)(h, recordsA, 1, 0, 1), 1u);
-    EXPECT_EQ(Bytes(), std::string("\r\0\n\0b\0c\0\r\0\n\0x\r\np\0q\0\r\0\n\0\r\0\n\0r\r\n", 30));
-    // Records are cut to their size and terminated; the rest of the file is consumed.
-    Reset();
-    TOVARIN_FN(FileWriteVoid)(h, "one\r\ntwo\r\n", 10);
-    Rewind();
+    EXPECT_EQ(ReadFileBytes(path), std::string("\r\0\n\0b\0c\0\r\0\n\0x\r\np\0q\0\r\0\n\0\r\0\n\0r\r\n", 30));
+    Fill("one\r\ntwo\r\n");
     char cut[4] = "???";
     TovarinMqlStrA intoA[1] = {{3, cut}};
     EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMA)(h, intoA, 1, 0, 1), 1u);
     EXPECT_STREQ(cut, "on");
     EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 10);
-    Reset();
-    TOVARIN_FN(FileWriteVoid)(h, L"three\r\n", 14);
-    Rewind();
+    Fill(std::string(reinterpret_cast<const char*>(L"three\r\n"), 14));
     wchar_t small[4] = L"???";
-    TovarinMqlStrW into[2] = {{0, nullptr}, {3, small}}; // the line goes to the start's record
+    TovarinMqlStrW into[2] = {{0, nullptr}, {3, small}};
     EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMW)(h, into, 2, 1, 1), 1u);
     EXPECT_STREQ(small, L"th");
     ExpectNoBox(boxes);

@@ -2,78 +2,61 @@
 // completed operation; null, empty, rule-breaking and relative paths, refused before any system call.
 #include "support/Exports.h"
 
-#include <gtest/gtest.h>
-
 using namespace TestSupport;
 
 namespace {
 
 class Paths : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_TRUE(WriteFileBytes(dir / L"src.bin", "source")); }
+    void SetUp() override { ASSERT_TRUE(WriteFileBytes(src, "source")); }
     TempDir dir;
     const std::wstring src = dir / L"src.bin";
     BoxRecorder boxes;
 };
 
-TEST_F(Paths, CheckCopyMoveAndDelete) {
-    // The check finds files, not folders, and takes wildcards.
-    for (const auto& [name, found] :
-         {std::make_pair(L"src.bin", 1), {L"s*.b?n", 1}, {L".", 0}, {L"missing", 0}})
-        EXPECT_EQ(TOVARIN_FN(FileCheckW)((dir / name).c_str()), found) << Narrow(name);
-    // A copy leaves its source and replaces its target, making folders on the way.
+// Steps on one tree, by path and then by a handle of src.bin that shares deleting: each step's result,
+// then what the tree holds. The check finds files, not folders, and takes wildcards; a copy keeps its
+// source and replaces its target, making folders on the way; a move removes its source; folders go
+// whole; a handle follows its file when it moves; a hard link shares the file.
+TEST_F(Paths, CopyMoveDeleteAndLinksByPathAndByHandle) {
     ASSERT_TRUE(WriteFileBytes(dir / L"old.bin", "older content"));
-    EXPECT_EQ(TOVARIN_FN(FileCopyW)(src.c_str(), (dir / L"old.bin").c_str()), 1);
-    EXPECT_EQ(
-        TOVARIN_FN(FileCopyA)(Narrow(src, CP_ACP).c_str(), Narrow(dir / L"a\\b\\copy.bin", CP_ACP).c_str()),
-        1);
-    EXPECT_EQ(ReadFileBytes(dir / L"old.bin"), "source");
-    EXPECT_EQ(ReadFileBytes(dir / L"a\\b\\copy.bin"), "source");
-    EXPECT_EQ(ReadFileBytes(src), "source");
-    // A move removes its source.
-    EXPECT_EQ(TOVARIN_FN(FileMoveW)((dir / L"old.bin").c_str(), (dir / L"a\\m.bin").c_str()), 1);
-    EXPECT_FALSE(FileExists(dir / L"old.bin"));
-    EXPECT_EQ(ReadFileBytes(dir / L"a\\m.bin"), "source");
-    EXPECT_EQ(TOVARIN_FN(FileDeleteW)((dir / L"a\\m.bin").c_str()), 1);
-    EXPECT_FALSE(FileExists(dir / L"a\\m.bin"));
-    // A folder is copied and deleted whole.
-    EXPECT_EQ(TOVARIN_FN(FileCopyW)((dir / L"a").c_str(), (dir / L"c").c_str()), 1);
-    EXPECT_EQ(TOVARIN_FN(FileDeleteW)((dir / L"a").c_str()), 1);
-    EXPECT_EQ(ReadFileBytes(dir / L"c\\b\\copy.bin"), "source");
-    EXPECT_FALSE(FileExists(dir / L"a"));
-    // The shell fails silently: 0 and no box.
-    EXPECT_EQ(TOVARIN_FN(FileDeleteW)((dir / L"a\\m.bin").c_str()), 0);
+    // clang-format off
+    const struct { const char* name; const wchar_t *from, *to; u64 result; } steps[] = { // from: null by handle
+        {"FileCheckW", L"src.bin", nullptr, 1}, {"FileCheckA", L"s*.b?n", nullptr, 1},
+        {"FileCheckW", L".", nullptr, 0}, {"FileCheckW", L"missing", nullptr, 0},
+        {"FileCopyW", L"src.bin", L"old.bin", 1}, {"FileCopyA", L"src.bin", L"a\\b\\copy.bin", 1},
+        {"FileMoveW", L"old.bin", L"a\\m.bin", 1}, {"FileCheckW", L"old.bin", nullptr, 0},
+        {"FileCopyW", L"a", L"c", 1}, {"FileDeleteW", L"a", nullptr, 1},
+        {"FileDeleteA", L"a\\m.bin", nullptr, 0}, // the shell fails silently: 0 and no box
+        {"FileHardLinkW", L"src.bin", L"sub\\link.bin", 0}, {"FileCopyByHandleW", nullptr, L"copy.bin", 1},
+        {"FileMoveByHandleA", nullptr, L"moved.bin", 1}, {"FileCheckW", L"src.bin", nullptr, 0},
+        {"FileWriteInt", nullptr, nullptr, 4}, {"FileCopyByHandleA", nullptr, L"copy2.bin", 1},
+        {"FileHardLinkByHandleW", nullptr, L"l\\hard.bin", 0}, {"FileDeleteByHandle", nullptr, nullptr, 0},
+        {"FileCheckW", L"moved.bin", nullptr, 0}};
+    // clang-format on
+    void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, 7);
+    for (const auto& s : steps) {
+        const std::wstring from = s.from ? dir / s.from : L"", to = s.to ? dir / s.to : L"";
+        const std::string fromA = Narrow(from, CP_ACP), toA = Narrow(to, CP_ACP);
+        const CallArgs args{h,
+                            nullptr,
+                            {s.from ? fromA.c_str() : toA.c_str(), toA.c_str()},
+                            {s.from ? from.c_str() : to.c_str(), to.c_str()},
+                            {0, 0, 0, 0x21212121}};
+        EXPECT_EQ(ExportOf(s.name).Call(args), s.result) << s.name << " " << Narrow(from + L" " + to);
+    }
     ExpectNoBox(boxes);
-}
-
-TEST_F(Paths, ByHandleOperationsFollowTheFile) {
-    void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT,
-                                            TOVARIN_SHARE_READ | TOVARIN_SHARE_WRITE | TOVARIN_SHARE_DELETE);
-    ASSERT_NE(h, nullptr);
-    EXPECT_EQ(TOVARIN_FN(FileCopyByHandleW)(h, (dir / L"copy.bin").c_str()), 1);
-    EXPECT_EQ(TOVARIN_FN(FileMoveByHandleA)(h, Narrow(dir / L"moved.bin", CP_ACP).c_str()), 1);
-    EXPECT_FALSE(FileExists(src));
-    EXPECT_EQ(TOVARIN_FN(FileWriteInt)(h, 0x21212121), 4); // the handle still works
-    TOVARIN_FN(FileFlushApply)(h);
-    // From the new path.
-    EXPECT_EQ(TOVARIN_FN(FileCopyByHandleA)(h, Narrow(dir / L"copy2.bin", CP_ACP).c_str()), 1);
-    TOVARIN_FN(FileHardLinkByHandleW)(h, (dir / L"l\\hard.bin").c_str());
-    EXPECT_EQ(ReadFileBytes(dir / L"copy.bin"), "source");
-    EXPECT_EQ(ReadFileBytes(dir / L"copy2.bin"), "!!!!ce");
-    EXPECT_EQ(ReadFileBytes(dir / L"l\\hard.bin"), "!!!!ce");
-    TOVARIN_FN(FileDeleteByHandle)(h); // closes the file first, at its new path
-    EXPECT_FALSE(FileExists(dir / L"moved.bin"));
-    ExpectNoBox(boxes);
-}
-
-TEST_F(Paths, HardLinksShareTheFileOnOneDriveOnly) {
-    TOVARIN_FN(FileHardLinkW)(src.c_str(), (dir / L"sub\\link.bin").c_str());
-    ExpectNoBox(boxes);
-    ASSERT_TRUE(WriteFileBytes(dir / L"sub\\link.bin", "shared"));
-    EXPECT_EQ(ReadFileBytes(src), "shared");
-    TOVARIN_FN(FileHardLinkW)(src.c_str(), (dir / L"sub\\link.bin").c_str()); // exists
+    for (const auto& [name, bytes] : {std::make_pair(L"c\\m.bin", "source"),
+                                      {L"c\\b\\copy.bin", "source"},
+                                      {L"copy.bin", "source"},
+                                      {L"copy2.bin", "!!!!ce"},
+                                      {L"l\\hard.bin", "!!!!ce"},
+                                      {L"sub\\link.bin", "!!!!ce"}})
+        EXPECT_EQ(ReadFileBytes(dir / name), bytes) << Narrow(name);
+    // A link that exists already fails with the system's error; one to another drive is refused.
+    TOVARIN_FN(FileHardLinkW)((dir / L"copy.bin").c_str(), (dir / L"sub\\link.bin").c_str());
     ExpectOneBox(boxes, "FileHardLinkW",
-                 {L"Не создана жёсткая ссылка на файл:\r\n\"" + src + L"\"", L"Last Error: 1."});
+                 {L"Не создана жёсткая ссылка на файл:\r\n\"" + dir / L"copy.bin\"", L"Last Error: 1."});
     std::wstring drive = L"C:"; // another fixed drive, as Z: under Wine when the temporary folder is on C:
     while (drive[0] <= L'Z' &&
            (drive[0] == towupper(src[0]) || ::GetDriveTypeW((drive + L"\\").c_str()) != DRIVE_FIXED))
@@ -81,15 +64,14 @@ TEST_F(Paths, HardLinksShareTheFileOnOneDriveOnly) {
     if (drive[0] > L'Z')
         GTEST_SKIP() << "one fixed drive only: there is no link across drives to refuse";
     TempDir other(drive); // removes a link that a refusal failed to refuse
-    const std::wstring link = other / L"link.bin";
-    TOVARIN_FN(FileHardLinkW)(src.c_str(), link.c_str());
+    TOVARIN_FN(FileHardLinkW)((dir / L"copy.bin").c_str(), (other / L"link.bin").c_str());
     ASSERT_EQ(boxes.Boxes().size(), 1u);
     EXPECT_EQ(boxes.Boxes()[0].text.find(L"Last Error"), std::wstring::npos);
     ExpectOneBox(
         boxes, "FileHardLinkW",
-        {L"\"Utils.File.cpp\"", L"только в пределах одного логического диска.\r\nИсходный файл:\r\n\"" + src +
-                                    L"\"\r\nЖёсткая ссылка на файл:\r\n\"" + link});
-    EXPECT_FALSE(FileExists(link));
+        {L"\"Utils.File.cpp\"", L"только в пределах одного логического диска.\r\nИсходный файл:\r\n\"" +
+                                    dir / L"copy.bin\"\r\nЖёсткая ссылка на файл:\r\n\"" + other.Path()});
+    EXPECT_FALSE(FileExists(other / L"link.bin"));
 }
 
 // Every path an export resolves, null, empty, breaking a rule or not absolute (plain, drive- or
@@ -105,52 +87,49 @@ TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
     void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
     const std::wstring to = dir / L"to.bin", wild = dir / L"*.bin", blank = dir / L"x.bin ";
     const std::string srcA = Narrow(src, CP_ACP), toA = Narrow(to, CP_ACP);
-    const auto refuse = [&](const ExportRow& row, int at, const wchar_t* path, const std::wstring& text) {
-        SCOPED_TRACE(std::string(row.name) + " " + std::to_string(at) + " " + (path ? Narrow(path) : "null"));
-        const std::string pathA = path ? Narrow(path, CP_ACP) : "";
-        CallArgs args{h,
-                      nullptr,
-                      {srcA.c_str(), toA.c_str()},
-                      {src.c_str(), to.c_str()},
-                      {0, 0, TOVARIN_DEFAULT, TOVARIN_DEFAULT}};
-        args.pathA[at] = path ? pathA.c_str() : nullptr;
-        args.pathW[at] = path;
-        EXPECT_EQ(row.Call(args), row.neutral);
-        ExpectOneBox(boxes, row.name, {text});
-    };
-    // A rule's refusal (each rule's own edges are unit-tested), then paths relative in each way.
-    const std::pair<std::wstring, std::wstring> cases[] = {
-        {wild, L"Обнаружен запрещённый символ '*' в позиции " + std::to_wstring(dir.Path().size() + 1) +
-                   L" в пути:\n\"" + wild + L"\""},
-        {blank, L"Пробел в конце пути:\n\"" + blank + L"\""},
+    const CallArgs base{
+        h, nullptr, {srcA.c_str(), toA.c_str()}, {src.c_str(), to.c_str()}, {0, 0, ~0ull, ~0ull}};
+    const std::wstring driveRelative = cwd.substr(0, 2) + L"new\\x.bin",
+                       rootRelative = cwd.substr(2) + L"\\new\\x.bin";
+    // Null, empty (a target only), a rule's refusal (each rule's own edges are unit-tested), then paths
+    // relative in each way, whose texts depend on the export.
+    const std::pair<const wchar_t*, std::wstring> cases[] = {
+        {nullptr, L"Отсутствует путь."},
+        {L"", L"Отсутствует путь."},
+        {wild.c_str(), L"Обнаружен запрещённый символ '*' в позиции " +
+                           std::to_wstring(dir.Path().size() + 1) + L" в пути:\n\"" + wild + L"\""},
+        {blank.c_str(), L"Пробел в конце пути:\n\"" + blank + L"\""},
         {L"C:\\con\\x.bin", L"Использовано зарезервированное в Windows имя \"nul\" с порядковым номером 2 в "
                             L"пути:\n\"C:\\con\\x.bin\""},
         {L"rel\\x.bin", L""},
-        {cwd.substr(0, 2) + L"new\\x.bin", L""},
-        {cwd.substr(2) + L"\\new\\x.bin", L""},
+        {driveRelative.c_str(), L""},
+        {rootRelative.c_str(), L""},
         {L"..\\x.bin", L""}};
     for (const ExportRow& row : Exports()) {
         const std::string name = row.name;
         const auto has = [&](const char* part) { return name.find(part) != std::string::npos; };
-        if (row.texts == 0 || (row.byHandle && has("Write")))
-            continue;
-        for (int at = 0; at < row.texts; ++at) {
+        for (int at = 0; at < row.texts && !(row.byHandle && has("Write")); ++at) {
             const bool target = at == row.texts - 1 && (has("Copy") || has("Move") || has("Link"));
-            refuse(row, at, nullptr, L"Отсутствует путь.");
-            if (target)
-                refuse(row, at, L"", L"Отсутствует путь.");
-            if (has("Check") || has("Completed") || (has("SymbolicLink") && !target))
-                continue;
+            const bool onlyNull = has("Check") || has("Completed") || (has("SymbolicLink") && !target);
             for (const auto& [path, text] : cases) {
+                if (path != nullptr && (*path == 0 ? !target : onlyNull))
+                    continue;
+                const std::wstring wide = path ? path : L"",
+                                   folder = L"\"" + wide.substr(0, wide.size() - 6) + L"\"";
+                const std::string narrow = Narrow(wide, CP_ACP);
+                SCOPED_TRACE(name + " " + std::to_string(at) + " " + (path ? Narrow(wide) : "null"));
+                CallArgs args = base;
+                args.pathA[at] = path ? narrow.c_str() : nullptr;
+                args.pathW[at] = path;
+                EXPECT_EQ(row.Call(args), row.neutral);
                 // A path that is not absolute: refused by the folder step of an open or a link.
-                const std::wstring folder = L"\"" + path.substr(0, path.size() - 6) + L"\"";
-                const std::wstring relative =
-                    has("Link") && target
-                        ? (has("Hard") ? L"Для жёсткой ссылки не создан каталог:\r\n" + folder
-                                       : L"Не создан для символьной ссылки каталог:\n" + folder)
-                    : has("Open") || has("Create") ? L"Для файла не создан каталог:\r\n" + folder
-                                                   : L"Путь не абсолютный:\r\n\"" + path + L"\"";
-                refuse(row, at, path.c_str(), text.empty() ? relative : text);
+                ExpectOneBox(boxes, name,
+                             {!text.empty() ? text
+                              : has("Link") && target
+                                  ? (has("Hard") ? L"Для жёсткой ссылки не создан каталог:\r\n" + folder
+                                                 : L"Не создан для символьной ссылки каталог:\n" + folder)
+                              : has("Open") || has("Create") ? L"Для файла не создан каталог:\r\n" + folder
+                                                             : L"Путь не абсолютный:\r\n\"" + wide + L"\""});
             }
         }
     }

@@ -6,12 +6,6 @@ namespace {
 
 thread_local BoxRecorder* t_recorder = nullptr;
 
-bool IsDialog(HWND window) {
-    wchar_t name[16] = {};
-    ::GetClassNameW(window, name, 16);
-    return std::wstring(name) == L"#32770";
-}
-
 std::wstring TextOf(HWND window) {
     std::wstring text(static_cast<size_t>(::GetWindowTextLengthW(window)) + 1, L'\0');
     text.resize(static_cast<size_t>(::GetWindowTextW(window, &text[0], static_cast<int>(text.size()))));
@@ -32,8 +26,8 @@ UINT IconOf(HWND box) {
 } // namespace
 
 BoxRecorder::BoxRecorder(bool refuse)
-    : hook_(refuse ? ::SetWindowsHookExW(WH_CBT, Created, nullptr, ::GetCurrentThreadId())
-                   : ::SetWindowsHookExW(WH_CALLWNDPROCRET, Shown, nullptr, ::GetCurrentThreadId())),
+    : hook_(::SetWindowsHookExW(refuse ? WH_CBT : WH_CALLWNDPROCRET, refuse ? Created : Shown, nullptr,
+                                ::GetCurrentThreadId())),
       outer_(t_recorder) {
     t_recorder = this;
 }
@@ -45,8 +39,7 @@ BoxRecorder::~BoxRecorder() {
 
 LRESULT CALLBACK BoxRecorder::Shown(int code, WPARAM wParam, LPARAM lParam) {
     const CWPRETSTRUCT* message = reinterpret_cast<const CWPRETSTRUCT*>(lParam);
-    if (code == HC_ACTION && message->message == WM_INITDIALOG && t_recorder != nullptr &&
-        IsDialog(message->hwnd)) {
+    if (code == HC_ACTION && message->message == WM_INITDIALOG && t_recorder != nullptr) {
         t_recorder->boxes_.push_back(
             Box{TextOf(message->hwnd), TextOf(::GetDlgItem(message->hwnd, 0xFFFF)), IconOf(message->hwnd)});
         ::PostMessageW(message->hwnd, WM_COMMAND, IDOK, 0);

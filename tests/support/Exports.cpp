@@ -5,22 +5,20 @@
 namespace TestSupport {
 
 namespace {
-template <class R> u64 Neutral(const Project::Row<R>& row) {
-    if constexpr (std::is_void<R>::value)
-        return 0;
-    else
-        return Bits(row.neutral);
+template <class R, class... A>
+ExportRow Row(R(__cdecl*)(A...), const char* name, const Project::Row<R>& row) {
+    u64 neutral = 0;
+    if constexpr (!std::is_void<R>::value)
+        neutral = Bits(row.neutral);
+    const bool byHandle = std::is_same<std::tuple_element_t<0, std::tuple<A...>>, void*>::value;
+    const int texts =
+        (std::is_same<A, const char*>::value + ... + 0) + (std::is_same<A, const wchar_t*>::value + ... + 0);
+    return ExportRow{name, row.signature, neutral, &Run<R, A...>, byHandle, texts};
 }
 } // namespace
 
 const std::vector<ExportRow>& Exports() {
-#define TOVARIN_TEST_ROW(name)                                                                               \
-    ExportRow{#name,                                                                                         \
-              Project::Rows::name.signature,                                                                 \
-              Neutral(Project::Rows::name),                                                                  \
-              &Caller<decltype(&::name)>::Run,                                                               \
-              Caller<decltype(&::name)>::kByHandle,                                                          \
-              Caller<decltype(&::name)>::kTexts},
+#define TOVARIN_TEST_ROW(name) Row(&::name, #name, Project::Rows::name),
     static const std::vector<ExportRow> rows = {TOVARIN_EXPORTS(TOVARIN_TEST_ROW)};
 #undef TOVARIN_TEST_ROW
     return rows;
@@ -30,8 +28,7 @@ const ExportRow& ExportOf(const std::string& name) {
     for (const ExportRow& row : Exports())
         if (name == row.name)
             return row;
-    ADD_FAILURE() << "no export " << name;
-    return Exports().front();
+    throw std::runtime_error("no export " + name);
 }
 
 std::wstring Heading(const std::string& name) {
@@ -52,9 +49,8 @@ void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector
 }
 
 void ExpectNoBox(BoxRecorder& boxes) {
-    const std::vector<Box> shown = boxes.Boxes();
+    EXPECT_TRUE(boxes.Boxes().empty()) << Narrow(boxes.Boxes()[0].text);
     boxes.Clear();
-    EXPECT_TRUE(shown.empty()) << Narrow(shown[0].text);
 }
 
 } // namespace TestSupport

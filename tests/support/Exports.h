@@ -11,8 +11,6 @@
 #include <filesystem>
 #include <stdexcept>
 #include <tuple>
-#include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace TestSupport {
@@ -33,7 +31,7 @@ inline HMODULE TovarinModule() {
 
 typedef unsigned __int64 u64;
 
-// One call's arguments: a first `void *` is the handle, the k-th text is paths[k], any other
+// One call's arguments: a first pointer is the handle, the k-th text is paths[k], any other
 // pointer the buffer; the k-th of n numbers is ints[k + 4 - n] (0 before the array), so that
 // {.., size, start, count} fits every array export.
 struct CallArgs {
@@ -51,44 +49,28 @@ template <class R> u64 Bits(R value) {
     return std::is_same<R, bool>::value ? bits & 1 : bits;
 }
 
-template <class T>
-using IsText = std::disjunction<std::is_same<T, const char*>, std::is_same<T, const wchar_t*>>;
+// The next argument of type T; n counts the arguments, texts and numbers taken (numbers from 4 - n).
+template <class T> T Arg(const CallArgs& args, int (&n)[3]) {
+    [[maybe_unused]] const bool first = n[0]++ == 0;
+    if constexpr (std::is_same<T, const char*>::value)
+        return args.pathA[n[1]++];
+    else if constexpr (std::is_same<T, const wchar_t*>::value)
+        return args.pathW[n[1]++];
+    else if constexpr (std::is_pointer<T>::value)
+        return static_cast<T>(first ? args.handle : args.buffer);
+    else
+        return n[2]++ < 0 ? T() : static_cast<T>(args.ints[n[2] - 1]);
+}
 
-template <class F> struct Caller;
-template <class R, class... A> struct Caller<R(__cdecl*)(A...)> {
-    static constexpr int kNumbers = ((std::is_arithmetic<A>::value ? 1 : 0) + ... + 0);
-    static constexpr int kTexts = ((IsText<A>::value ? 1 : 0) + ... + 0);
-    static constexpr bool kByHandle = std::is_same<std::tuple_element_t<0, std::tuple<A...>>, void*>::value;
-
-    // How many arguments before the I-th are of a kind.
-    template <size_t I, template <class> class Kind> static constexpr int Ordinal() {
-        int k = 0, i = 0;
-        ((k += (i++ < static_cast<int>(I) && Kind<A>::value) ? 1 : 0), ...);
-        return k;
-    }
-    template <class T, size_t I> static T Arg(const CallArgs& args) {
-        if constexpr (std::is_same<T, const char*>::value)
-            return args.pathA[Ordinal<I, IsText>()];
-        else if constexpr (std::is_same<T, const wchar_t*>::value)
-            return args.pathW[Ordinal<I, IsText>()];
-        else if constexpr (std::is_pointer<T>::value)
-            return I == 0 ? static_cast<T>(args.handle) : reinterpret_cast<T>(args.buffer);
-        else
-            return Ordinal<I, std::is_arithmetic>() + 4 < kNumbers
-                       ? T()
-                       : static_cast<T>(args.ints[Ordinal<I, std::is_arithmetic>() + 4 - kNumbers]);
-    }
-    template <size_t... I> static u64 Call(FARPROC proc, const CallArgs& args, std::index_sequence<I...>) {
-        const auto f = reinterpret_cast<R(__cdecl*)(A...)>(reinterpret_cast<void*>(proc));
-        if constexpr (std::is_void<R>::value)
-            return f(Arg<A, I>(args)...), 0;
-        else
-            return Bits(f(Arg<A, I>(args)...));
-    }
-    static u64 Run(FARPROC proc, const CallArgs& args) {
-        return Call(proc, args, std::index_sequence_for<A...>{});
-    }
-};
+template <class R, class... A> u64 Run(FARPROC proc, const CallArgs& args) {
+    int n[3] = {0, 0, 4 - (std::is_arithmetic<A>::value + ... + 0)};
+    const std::tuple<A...> values{Arg<A>(args, n)...}; // in order, left to right
+    const auto f = reinterpret_cast<R(__cdecl*)(A...)>(reinterpret_cast<void*>(proc));
+    if constexpr (std::is_void<R>::value)
+        return std::apply(f, values), 0;
+    else
+        return Bits(std::apply(f, values));
+}
 
 struct ExportRow {
     const char* name;
