@@ -31,7 +31,7 @@ public:
 template <class T, class W, class R, class WA, class RA>
 void RoundTrip(Data& d, W write, R read, T value, const std::string& bytes, WA writeArray, RA readArray) {
     SCOPED_TRACE(typeid(T).name());
-    T values[3] = {value, value, value}, back[2], into[3];
+    T values[3] = {value, value, value}, into[3];
     std::memset(&values[1], 0x11, sizeof(T));
     std::memset(into, 0x7F, sizeof(into));
     d.Fill("");
@@ -39,9 +39,9 @@ void RoundTrip(Data& d, W write, R read, T value, const std::string& bytes, WA w
     EXPECT_EQ(writeArray(d.h, values, 3, 1, TOVARIN_TO_END), 2u);
     EXPECT_EQ(ReadFileBytes(d.path), bytes + std::string(sizeof(T), '\x11') + bytes);
     EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(d.h, 0), 0);
-    back[0] = read(d.h);
+    const T back = read(d.h);
     EXPECT_EQ(readArray(d.h, into, 3, 1, 5), 2u);
-    EXPECT_EQ(std::memcmp(back, &value, sizeof(T)), 0);
+    EXPECT_EQ(std::memcmp(&back, &value, sizeof(T)), 0);
     EXPECT_EQ(std::memcmp(&into[1], &values[1], 2 * sizeof(T)), 0);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(into), sizeof(T)), std::string(sizeof(T), '\x7F'));
 }
@@ -70,6 +70,7 @@ TEST_F(Data, EveryTypeAsItsLittleEndianBytesAloneAndInArrays) {
 // Array writes move their count, clipped to the end even when start + count wraps around.
 TEST_F(Data, ShortReadsKeepTheBytesThatArrived) {
     int ints[4] = {7, 8, 9, 10};
+    double doubles[5] = {-1, -1, -1, -1, -1};
     EXPECT_EQ(TOVARIN_FN(FileWriteIntArray)(h, ints, 4, 0, 3), 3u);
     EXPECT_EQ(TOVARIN_FN(FileWriteIntArray)(h, ints, 4, 3, ~0ull - 2), 1u);
     EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(h, 14), 14);
@@ -79,12 +80,10 @@ TEST_F(Data, ShortReadsKeepTheBytesThatArrived) {
                   L"\"Utils.FileHdd.cpp\"",
                   L"\nНа итерации 0 не прочитаны данные из файла:\n\"" + path +
                       L"\"\nФайловый указатель: 16\nЗапрошено: 4\nПрочитано: 2\n\n"});
-    // 5 doubles 16 bytes before the end: the 16 bytes stay in the array.
     EXPECT_EQ(TOVARIN_FN(FileSetPointerBegin)(h, 0), 0);
-    double doubles[5] = {-1, -1, -1, -1, -1};
     EXPECT_EQ(TOVARIN_FN(FileReadDoubleArray)(h, doubles, 5, 0, 5), TOVARIN_FAILED_COUNT);
     ExpectOneBox(boxes, "FileReadDoubleArray", {L"Запрошено: 40\nПрочитано: 16"});
-    EXPECT_EQ(std::memcmp(doubles, ints, 16), 0);
+    EXPECT_EQ(std::memcmp(doubles, ints, 16), 0); // the 16 bytes that arrived; the rest untouched
     EXPECT_EQ(doubles[2], -1.0);
 }
 
@@ -96,7 +95,7 @@ TEST_F(Data, TextsAreRawAndReadsTrimTheEnd) {
     EXPECT_EQ(TOVARIN_FN(FileWriteStringA)(h, nullptr), 0); // a null text to write is empty
     EXPECT_EQ(ReadFileBytes(path), std::string("a\0 \0b\0\xE9\t", 8));
     // clang-format off
-    const struct { bool wide; std::string bytes; u64 size; std::string text; } cases[] = {
+    const struct { bool wide; std::string bytes; u64 size; std::string text; } cases[] = { // the longest first
         {true, std::string("a\0 \0b\0\t\0\r\0\n\0 \0\0\0", 16), 8, "a b"}, {true, "xy", 0, ""},
         {true, std::string("\t\0\0\0 \0", 6), 3, ""}, {false, std::string("x\ty\n\r\t \0", 8), 8, "x\ty"},
         {false, "\xE9 ", 2, "\xE9"}, {false, std::string("\0\r\n", 3), 3, ""}};
@@ -107,40 +106,37 @@ TEST_F(Data, TextsAreRawAndReadsTrimTheEnd) {
         Fill(c.bytes);
         const u64 text = ExportOf(c.wide ? "FileReadStringW" : "FileReadStringA")
                              .Call({h, nullptr, {}, {}, {0, 0, 0, c.size}});
+        first[c.wide] = first[c.wide] != 0 ? first[c.wide] : text;
+        EXPECT_EQ(text, first[c.wide]);
         ASSERT_NE(text, 0u);
-        first[c.wide] = first[c.wide] == 0 ? text : first[c.wide];
-        for (const u64 at : {text, first[c.wide]})
-            EXPECT_EQ(c.wide ? Narrow(reinterpret_cast<const wchar_t*>(at))
-                             : reinterpret_cast<const char*>(at),
-                      c.text);
+        EXPECT_EQ(c.wide ? Narrow(reinterpret_cast<const wchar_t*>(text))
+                         : reinterpret_cast<const char*>(text),
+                  c.text);
         EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), static_cast<__int64>(c.size * (c.wide ? 2 : 1)));
     }
     ExpectNoBox(boxes);
 }
 
-// Lines end in CR LF; records are written without their trailing blanks, read cut to their size and
-// terminated, into the record at the slice's start; a read consumes the rest of the file.
+// Lines end in CR LF; records go out without their trailing blanks, and come back cut to their size
+// and terminated, into the record at the slice's start; a read consumes the rest of the file.
 TEST_F(Data, StringArraysInAllFourForms) {
     const wchar_t* wide[] = {L"a", L"", L"bc"};
     const char* narrow[] = {"x", "yz"};
-    wchar_t recordW[5] = {L'p', L'q', L' ', L'\t', 0};
-    char recordA[4] = {'r', ' ', '\n', 0};
-    TovarinMqlStrW recordsW[2] = {{5, recordW}, {64, nullptr}}; // no buffer: an empty line
-    TovarinMqlStrA recordsA[1] = {{4, recordA}};
+    wchar_t recordW[5] = {L'p', L'q', L' ', L'\t', 0}, small[4] = L"???";
+    char recordA[4] = {'r', ' ', '\n', 0}, cut[4] = "???";
+    TovarinMqlStrW recordsW[2] = {{5, recordW}, {64, nullptr}},
+                   into[2] = {{0, nullptr}, {3, small}}; // no buffer: an empty line
+    TovarinMqlStrA recordsA[1] = {{4, recordA}}, intoA[1] = {{3, cut}};
     EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayW)(h, wide, 3, 1, TOVARIN_TO_END), 2u);
     EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayA)(h, narrow, 2, 0, 1), 1u);
     EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayMW)(h, recordsW, 2, 0, 2), 2u);
     EXPECT_EQ(TOVARIN_FN(FileWriteStrArrayMA)(h, recordsA, 1, 0, 1), 1u);
     EXPECT_EQ(ReadFileBytes(path), std::string("\r\0\n\0b\0c\0\r\0\n\0x\r\np\0q\0\r\0\n\0\r\0\n\0r\r\n", 30));
     Fill("one\r\ntwo\r\n");
-    char cut[4] = "???";
-    TovarinMqlStrA intoA[1] = {{3, cut}};
     EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMA)(h, intoA, 1, 0, 1), 1u);
     EXPECT_STREQ(cut, "on");
     EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 10);
     Fill(std::string(reinterpret_cast<const char*>(L"three\r\n"), 14));
-    wchar_t small[4] = L"???";
-    TovarinMqlStrW into[2] = {{0, nullptr}, {3, small}};
     EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMW)(h, into, 2, 1, 1), 1u);
     EXPECT_STREQ(small, L"th");
     ExpectNoBox(boxes);

@@ -10,11 +10,8 @@ namespace {
 
 class Handles : public testing::Test {
 protected:
-    void* Create(const wchar_t* name) {
-        return TOVARIN_FN(FileCreateAlwaysW)((dir / name).c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
-    }
     // Whether a second open of the file gets `access` while it shares `share`.
-    bool Opens(const wchar_t* name, DWORD access, DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE) {
+    bool Opens(const std::wstring& name, DWORD access, DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE) {
         HANDLE other = ::CreateFileW((dir / name).c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
         ::CloseHandle(other);
         return other != INVALID_HANDLE_VALUE;
@@ -23,14 +20,14 @@ protected:
     BoxRecorder boxes;
 };
 
-// Every handle export refuses an unknown handle with one box and its neutral result. The typed arrays
-// check their slice first, so a bad slice is reported whatever the handle; the others look the handle
-// up first. With a known handle a text read of 0 is empty, a raw transfer of 0 moves nothing, and null
-// arrays, absurd sizes and distances are refused with their texts.
+// Every handle export refuses an unknown handle; a typed array checks its slice first, the others the
+// handle. With a known handle a count of 0 moves nothing (an empty text), and null arrays, absurd
+// sizes and distances are refused with their texts.
 TEST_F(Handles, BadHandlesSlicesAndArgumentsAreRefused) {
-    void *open = Create(L"open.bin"), *unknown = reinterpret_cast<void*>(0x1234); // the registry is not empty
-    const std::wstring targetW = dir / L"target.bin";
-    const std::string target = Narrow(targetW, CP_ACP);
+    void *open = TOVARIN_FN(FileCreateAlwaysW)((dir / L"open.bin").c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT),
+         *unknown = reinterpret_cast<void*>(0x1234); // while the registry is not empty
+    const std::wstring target = dir / L"target.bin";
+    const std::string targetA = Narrow(target, CP_ACP);
     alignas(8) char buffer[256] = {};
     // clang-format off
     const struct { u64 size, start, count; const wchar_t* text; } slices[] = {
@@ -39,63 +36,62 @@ TEST_F(Handles, BadHandlesSlicesAndArgumentsAreRefused) {
     // clang-format on
     for (const ExportRow& row : Exports()) {
         const std::string name = row.name;
-        const bool array = name.find("Array") != name.npos,
-                   typed = array && name.find("StrArray") == name.npos;
-        const bool empty = name.rfind("FileReadString", 0) == 0 || name.find("Void") != name.npos;
+        const auto has = [&](const char* part) { return name.find(part) != name.npos; };
+        const bool typed = has("Array") && !has("StrArray"), moves = !has("Array");
         for (void* handle : {unknown, open})
             for (const auto& s : slices) {
+                const bool none = handle == open && moves; // a count of 0 with a known handle
                 if (!row.byHandle || (&s != slices && !(typed && handle == unknown)) ||
-                    (handle == open && !array && !empty))
+                    (none && !has("FileReadString") && !has("Void")))
                     continue;
-                SCOPED_TRACE(name + (handle == open ? " open " : " unknown ") + Narrow(s.text));
-                const u64 result = row.Call(
-                    {handle, buffer, {target.c_str()}, {targetW.c_str()}, {10, s.size, s.start, s.count}});
-                if (handle == open && !array) { // a count of 0: nothing moved, an empty text
-                    EXPECT_TRUE(name.find("Void") != name.npos
-                                    ? result == 0
-                                    : result != 0 && *reinterpret_cast<const char*>(result) == 0);
+                const CallArgs args{
+                    handle, buffer, {targetA.c_str()}, {target.c_str()}, {10, s.size, s.start, s.count}};
+                const u64 result = row.Call(args);
+                const char* text = reinterpret_cast<const char*>(result);
+                if (none) { // nothing moved, an empty text
+                    EXPECT_TRUE(has("Void") ? result == 0 : text != nullptr && *text == 0) << name;
                     ExpectNoBox(boxes);
                     continue;
                 }
-                EXPECT_EQ(result, row.neutral);
+                EXPECT_EQ(result, row.neutral) << name;
                 ExpectOneBox(boxes, name,
                              {typed || handle == open ? s.text : L"Неверный системный дескриптор файла."});
             }
     }
-    EXPECT_FALSE(FileExists(targetW));
+    EXPECT_FALSE(FileExists(target));
     const u64 all = ~0ull;
     const wchar_t *noArray = L"\nОтсутствует массив: указатель на массив равен нулю.\n",
                   *noStrings = L"\nОтсутствует массив строк: указатель на массив равен нулю.\n";
     // clang-format off
-    const struct { const char* name; void* buffer; u64 ints[4]; const wchar_t* text; UINT icon = MB_ICONERROR; const wchar_t* also = L""; }
-    cases[] = {
+    const struct { const char* name; void* buffer; u64 ints[4]; const wchar_t *text, *also = L""; UINT icon = MB_ICONERROR; } cases[] = {
         {"FileWriteIntArray", nullptr, {0, 4, 0, 4}, noArray}, {"FileWriteStrArrayMW", nullptr, {0, 2, 0, 2}, noStrings},
         {"FileReadStrArrayA", nullptr, {2, 8, 0, 2}, noStrings},
         {"FileReadLongArray", buffer, {0, all, 0, all}, L"\nРазмер передаваемых данных превышает адресное пространство.\n"},
         {"FileWriteVoid", nullptr, {0, 0, 0, 16}, L"не записаны данные в файл:"},
         {"FileSetPointerBegin", nullptr, {0, 0, 0, 1ull << 31}, L"Не смещён файловый"},
-        {"FileReadStringW", nullptr, {0, 0, 0, 1ull << 62}, L"Unknown exception!", MB_ICONINFORMATION, L"\r\n\nLast Error: "}};
+        {"FileReadStringW", nullptr, {0, 0, 0, 1ull << 62}, L"Unknown exception!", L"\r\n\nLast Error: ", MB_ICONINFORMATION}};
     // clang-format on
     for (const auto& c : cases) {
-        const CallArgs args{open, c.buffer, {}, {}, {c.ints[0], c.ints[1], c.ints[2], c.ints[3]}};
-        EXPECT_EQ(ExportOf(c.name).Call(args), ExportOf(c.name).neutral) << c.name;
+        EXPECT_EQ(
+            ExportOf(c.name).Call({open, c.buffer, {}, {}, {c.ints[0], c.ints[1], c.ints[2], c.ints[3]}}),
+            ExportOf(c.name).neutral);
         ExpectOneBox(boxes, c.name, {c.text, c.also}, c.icon);
     }
     EXPECT_EQ(TOVARIN_FN(FileGetSize)(open), 0u);
     TOVARIN_FN(FileCloseHandle)(open);
-    // A completed operation is refused whatever it is asked.
-    EXPECT_EQ(TOVARIN_FN(FileCompletedW)((dir / L"never.bin").c_str(), 2, -1, 0, 0, 0, nullptr, 0), 0u);
+    EXPECT_EQ(TOVARIN_FN(FileCompletedW)(target.c_str(), 2, -1, 0, 0, 0, nullptr, 0),
+              0u); // whatever it is asked
     ExpectOneBox(boxes, "FileCompletedW",
                  {L"Project::CompletedOperation(const class std::basic_string<wchar_t,",
                   L"\nДоступ к файлу выбран неправильно.\n"});
 }
 
-// Both forms of every open and create, on a missing file, a file of 4 bytes and a folder: the file's
-// size and pointer, or the refusal naming the disposition. The access and sharing asked for hold, as
-// a second opener finds them.
+// Both forms of every open and create, on a missing file, a file and a folder: the file's size and
+// pointer, or the refusal naming the disposition; the access and sharing asked for, as a second
+// opener finds them.
 TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
     // clang-format off
-    // What is there before (missing "", a file of 4 bytes, a folder null), the size after the open, or
+    // What is there before (nothing "", a file "1234", a folder null); the size after the open, or
     // the disposition that the refusal names.
     const struct { const char* stem; const char* before; u64 size; const wchar_t* refusal; } cases[] = {
         {"FileCreateNew", "", 0, nullptr}, {"FileCreateNew", "1234", 0, L"CREATE_NEW"},
@@ -111,13 +107,11 @@ TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
     const std::wstring name = L"sub\\" + (single ? std::wstring(1, letter) : L"") + L"d.bin",
                        path = dir / name;
     const std::string pathA = Narrow(dir.Path(), CP_ACP) + "\\sub\\" + (single ? "\xE9" : "") + "d.bin";
-    for (const bool defaults : {false, true}) {
+    for (const bool a : {false, true}) {
         // W: writing only, reading shared; A: the defaults, reading and writing, both shared.
-        const u64 access = defaults ? TOVARIN_DEFAULT : GENERIC_WRITE,
-                  share = defaults ? TOVARIN_DEFAULT : FILE_SHARE_READ;
+        const u64 access = a ? TOVARIN_DEFAULT : GENERIC_WRITE, share = a ? TOVARIN_DEFAULT : FILE_SHARE_READ;
         for (const auto& c : cases) {
-            const std::string export_ = c.stem + std::string(defaults ? "A" : "W");
-            SCOPED_TRACE(export_ + " " + (c.before ? c.before : "folder"));
+            const std::string export_ = c.stem + std::string(a ? "A" : "W");
             ::DeleteFileW(path.c_str());
             ::RemoveDirectoryW(path.c_str());
             ASSERT_TRUE(c.before ? !*c.before || WriteFileBytes(path, c.before)
@@ -125,16 +119,15 @@ TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
             void* h = reinterpret_cast<void*>(ExportOf(export_).Call(
                 {nullptr, nullptr, {pathA.c_str()}, {path.c_str()}, {0, 0, access, share}}));
             if (c.refusal != nullptr) {
-                EXPECT_EQ(h, nullptr);
+                EXPECT_EQ(h, nullptr) << export_;
                 ExpectOneBox(boxes, export_, {std::wstring(L"Выполняемые действия с файлом: ") + c.refusal});
                 continue;
             }
-            EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), c.size);
+            EXPECT_EQ(TOVARIN_FN(FileGetSize)(h), c.size) << export_;
             EXPECT_EQ(TOVARIN_FN(FileGetPointer)(h), 0);
             EXPECT_EQ(TOVARIN_FN(FileWriteInt)(h, 1), 4);
-            EXPECT_EQ(Opens(name.c_str(), GENERIC_READ, FILE_SHARE_WRITE),
-                      !defaults);                                    // unless the handle reads
-            EXPECT_EQ(Opens(name.c_str(), GENERIC_WRITE), defaults); // where writing is shared
+            EXPECT_EQ(Opens(name, GENERIC_READ, FILE_SHARE_WRITE), !a) << export_; // unless the handle reads
+            EXPECT_EQ(Opens(name, GENERIC_WRITE), a) << export_;                   // where writing is shared
             TOVARIN_FN(FileCloseHandle)(h);
             ExpectNoBox(boxes);
         }
@@ -159,7 +152,7 @@ TEST_F(Handles, WholeFileOperationsBySizeAndPointer) {
     // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.name) + " " + std::to_string(c.before) + " " + std::to_string(c.argument));
-        void* h = Create(L"ops.bin");
+        void* h = TOVARIN_FN(FileCreateAlwaysW)((dir / L"ops.bin").c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
         TOVARIN_FN(FileResize)(h, c.before);
         TOVARIN_FN(FileSetPointerBegin)(h, c.at);
         EXPECT_EQ(ExportOf(c.name).Call({h, nullptr, {}, {}, {0, 0, 0, static_cast<u64>(c.argument)}}),
@@ -180,8 +173,8 @@ TEST_F(Handles, WholeFileOperationsBySizeAndPointer) {
     }
 }
 
-// A second copy of the DLL has a registry of its own, empty, and shows its own full path as the
-// caption; unloading it closes the files left open. README.md's sample is its unknown handle's box.
+// A second copy of the DLL has a registry of its own, empty, and its own full path as the caption;
+// unloading it closes the files left open. README.md's sample is its unknown handle's box.
 TEST(Registry, TextsWholeAsTheReadmeShowsThemTheCaptionAndTheUnload) {
     TempDir dir;
     const std::wstring copy = dir / L"Tovarin Copy.dll";
@@ -218,9 +211,8 @@ TEST(Registry, TextsWholeAsTheReadmeShowsThemTheCaptionAndTheUnload) {
     for (std::string* text : {&real, &readme})
         text->erase(std::remove(text->begin(), text->end(), '\r'), text->end());
     real.erase(real.find_last_not_of('\n') + 1);
-    const std::string begin = "<!-- sample-box:begin -->\n```\n";
-    const std::size_t from = readme.find(begin) + begin.size();
-    EXPECT_EQ(readme.substr(from, readme.find("\n```\n<!-- sample-box:end -->") - from), real)
+    EXPECT_NE(readme.find("<!-- sample-box:begin -->\n```\n" + real + "\n```\n<!-- sample-box:end -->"),
+              std::string::npos)
         << "Put the real text into README.md between its sample-box marks:\n"
         << real;
 }

@@ -14,10 +14,9 @@ protected:
     BoxRecorder boxes;
 };
 
-// Steps on one tree, by path and then by a handle of src.bin that shares deleting: each step's result,
-// then what the tree holds. The check finds files, not folders, and takes wildcards; a copy keeps its
-// source and replaces its target, making folders on the way; a move removes its source; folders go
-// whole; a handle follows its file when it moves; a hard link shares the file.
+// Steps by path, then by a handle of src.bin that shares deleting: each step's result, then what the
+// tree holds. The check finds files, not folders, by wildcards too; a copy replaces its target, making
+// folders on the way; folders go whole; a handle follows its file when it moves; links share the file.
 TEST_F(Paths, CopyMoveDeleteAndLinksByPathAndByHandle) {
     ASSERT_TRUE(WriteFileBytes(dir / L"old.bin", "older content"));
     // clang-format off
@@ -33,25 +32,19 @@ TEST_F(Paths, CopyMoveDeleteAndLinksByPathAndByHandle) {
         {"FileWriteInt", nullptr, nullptr, 4}, {"FileCopyByHandleA", nullptr, L"copy2.bin", 1},
         {"FileHardLinkByHandleW", nullptr, L"l\\hard.bin", 0}, {"FileDeleteByHandle", nullptr, nullptr, 0},
         {"FileCheckW", L"moved.bin", nullptr, 0}};
+    const std::pair<const wchar_t*, const char*> tree[] = {{L"c\\m.bin", "source"}, {L"c\\b\\copy.bin", "source"},
+        {L"copy.bin", "source"}, {L"copy2.bin", "!!!!ce"}, {L"l\\hard.bin", "!!!!ce"}, {L"sub\\link.bin", "!!!!ce"}};
     // clang-format on
     void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, 7);
     for (const auto& s : steps) {
-        const std::wstring from = s.from ? dir / s.from : L"", to = s.to ? dir / s.to : L"";
-        const std::string fromA = Narrow(from, CP_ACP), toA = Narrow(to, CP_ACP);
-        const CallArgs args{h,
-                            nullptr,
-                            {s.from ? fromA.c_str() : toA.c_str(), toA.c_str()},
-                            {s.from ? from.c_str() : to.c_str(), to.c_str()},
-                            {0, 0, 0, 0x21212121}};
-        EXPECT_EQ(ExportOf(s.name).Call(args), s.result) << s.name << " " << Narrow(from + L" " + to);
+        const std::wstring to = s.to ? dir / s.to : L"", first = s.from ? dir / s.from : to; // by handle: to
+        const std::string firstA = Narrow(first, CP_ACP), toA = Narrow(to, CP_ACP);
+        const CallArgs args{
+            h, nullptr, {firstA.c_str(), toA.c_str()}, {first.c_str(), to.c_str()}, {0, 0, 0, 0x21212121}};
+        EXPECT_EQ(ExportOf(s.name).Call(args), s.result) << s.name << " " << Narrow(first + L" " + to);
     }
     ExpectNoBox(boxes);
-    for (const auto& [name, bytes] : {std::make_pair(L"c\\m.bin", "source"),
-                                      {L"c\\b\\copy.bin", "source"},
-                                      {L"copy.bin", "source"},
-                                      {L"copy2.bin", "!!!!ce"},
-                                      {L"l\\hard.bin", "!!!!ce"},
-                                      {L"sub\\link.bin", "!!!!ce"}})
+    for (const auto& [name, bytes] : tree)
         EXPECT_EQ(ReadFileBytes(dir / name), bytes) << Narrow(name);
     // A link that exists already fails with the system's error; one to another drive is refused.
     TOVARIN_FN(FileHardLinkW)((dir / L"copy.bin").c_str(), (dir / L"sub\\link.bin").c_str());
@@ -74,11 +67,9 @@ TEST_F(Paths, CopyMoveDeleteAndLinksByPathAndByHandle) {
     EXPECT_FALSE(FileExists(other / L"link.bin"));
 }
 
-// Every path an export resolves, null, empty, breaking a rule or not absolute (plain, drive- or
-// root-relative, through "." or ".."; its folder existing or not), is refused before any system call with one
-// box and the neutral result: by the path rules, by the folder step of an open or a link, or by the copy,
-// move or delete itself. Nothing changes on disk or in the current folder. The check, which only looks,
-// refuses nothing.
+// Every path an export resolves, null, empty, breaking a rule or not absolute, is refused before any
+// system call, with one box and the neutral result; nothing changes on disk or in the current folder.
+// The check, which only looks, refuses only null.
 TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
     const std::wstring cwd = dir / L"cwd";
     ::CreateDirectoryW(cwd.c_str(), nullptr);
@@ -91,8 +82,8 @@ TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
         h, nullptr, {srcA.c_str(), toA.c_str()}, {src.c_str(), to.c_str()}, {0, 0, ~0ull, ~0ull}};
     const std::wstring driveRelative = cwd.substr(0, 2) + L"new\\x.bin",
                        rootRelative = cwd.substr(2) + L"\\new\\x.bin";
-    // Null, empty (a target only), a rule's refusal (each rule's own edges are unit-tested), then paths
-    // relative in each way, whose texts depend on the export.
+    // Null, empty (a target's), a rule's refusal (each rule's edges are unit-tested), then relative paths
+    // (an existing folder, drive- and root-relative, through ".."), refused as each export refuses them.
     const std::pair<const wchar_t*, std::wstring> cases[] = {
         {nullptr, L"Отсутствует путь."},
         {L"", L"Отсутствует путь."},
@@ -140,8 +131,7 @@ TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
 }
 
 // A relative target is not resolved against the current folder: the link points to it from its own.
-// Wine's CreateSymbolicLinkW makes nothing and reports success; Windows makes a link only for an
-// account with the right to.
+// Wine's CreateSymbolicLinkW makes nothing and reports success; Windows needs the right to.
 TEST_F(Paths, ASymbolicLinkTargetMayBeRelative) {
     TempDir cwd(dir.Path());
     CurrentFolder current(cwd.Path());
