@@ -84,18 +84,14 @@ TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
                        rootRelative = cwd.substr(2) + L"\\new\\x.bin";
     // Null, empty (a target's), a rule's refusal (each rule's edges are unit-tested), then relative paths
     // (an existing folder, drive- and root-relative, through ".."), refused as each export refuses them.
-    const std::pair<const wchar_t*, std::wstring> cases[] = {
-        {nullptr, L"Отсутствует путь."},
-        {L"", L"Отсутствует путь."},
-        {wild.c_str(), L"Обнаружен запрещённый символ '*' в позиции " +
-                           std::to_wstring(dir.Path().size() + 1) + L" в пути:\n\"" + wild + L"\""},
+    // clang-format off
+    const std::pair<const wchar_t*, std::wstring> cases[] = {{nullptr, L"Отсутствует путь."}, {L"", L"Отсутствует путь."},
+        {wild.c_str(), L"Обнаружен запрещённый символ '*' в позиции " + std::to_wstring(dir.Path().size() + 1) +
+                           L" в пути:\n\"" + wild + L"\""},
         {blank.c_str(), L"Пробел в конце пути:\n\"" + blank + L"\""},
-        {L"C:\\con\\x.bin", L"Использовано зарезервированное в Windows имя \"nul\" с порядковым номером 2 в "
-                            L"пути:\n\"C:\\con\\x.bin\""},
-        {L"rel\\x.bin", L""},
-        {driveRelative.c_str(), L""},
-        {rootRelative.c_str(), L""},
-        {L"..\\x.bin", L""}};
+        {L"C:\\con\\x.bin", L"Использовано зарезервированное в Windows имя \"nul\" с порядковым номером 2 в пути:\n\"C:\\con\\x.bin\""},
+        {L"rel\\x.bin", L""}, {driveRelative.c_str(), L""}, {rootRelative.c_str(), L""}, {L"..\\x.bin", L""}};
+    // clang-format on
     for (const ExportRow& row : Exports()) {
         const std::string name = row.name;
         const auto has = [&](const char* part) { return name.find(part) != std::string::npos; };

@@ -31,19 +31,16 @@ const ExportRow& ExportOf(const std::string& name) {
     throw std::runtime_error("no export " + name);
 }
 
-std::wstring Heading(const std::string& name) {
-    const std::string signature = ExportOf(name).signature;
-    return L"Ошибка в функции \"" + std::wstring(signature.begin(), signature.end()) +
-           L"\"!\r\nFile: \"Tovarin.cpp\"\r\nLine: ";
-}
-
 void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector<std::wstring>& pieces,
                   UINT icon) {
     const std::vector<Box> shown = boxes.Boxes();
     boxes.Clear();
     ASSERT_EQ(shown.size(), 1u) << name << (shown.empty() ? "" : "\n" + Narrow(shown[0].text));
     EXPECT_EQ(shown[0].icon, icon);
-    EXPECT_EQ(shown[0].text.find(Heading(name)), 0u) << Narrow(shown[0].text);
+    const std::string signature = ExportOf(name).signature;
+    const std::wstring heading = L"Ошибка в функции \"" + std::wstring(signature.begin(), signature.end()) +
+                                 L"\"!\r\nFile: \"Tovarin.cpp\"\r\nLine: ";
+    EXPECT_EQ(shown[0].text.find(heading), 0u) << Narrow(shown[0].text);
     for (const std::wstring& piece : pieces)
         EXPECT_HAS(shown[0].text, piece) << "\nlacks\n" << Narrow(piece);
 }

@@ -35,11 +35,10 @@ typedef unsigned __int64 u64;
 // pointer the buffer; the k-th of n numbers is ints[k + 4 - n] (0 before the array), so that
 // {.., size, start, count} fits every array export.
 struct CallArgs {
-    void* handle = nullptr;
-    void* buffer = nullptr;
-    const char* pathA[2] = {nullptr, nullptr};
-    const wchar_t* pathW[2] = {nullptr, nullptr};
-    u64 ints[4] = {0, 0, 0, 0};
+    void *handle = nullptr, *buffer = nullptr;
+    const char* pathA[2] = {};
+    const wchar_t* pathW[2] = {};
+    u64 ints[4] = {};
 };
 
 // A result as its bytes in its width, zero-extended.
@@ -85,10 +84,8 @@ struct ExportRow {
 const std::vector<ExportRow>& Exports();
 const ExportRow& ExportOf(const std::string& name);
 
-// The heading of a failure of export `name`: its signature, "Tovarin.cpp" and "Line: ".
-std::wstring Heading(const std::string& name);
-// Exactly one box since the last Clear, with the icon, opening with the heading of `name` and holding
-// each piece; the boxes are cleared afterwards.
+// Exactly one box since the last Clear, with the icon, opening with the heading of a failure of `name`
+// (its signature, "Tovarin.cpp" and "Line: ") and holding each piece; the boxes are cleared afterwards.
 void ExpectOneBox(BoxRecorder& boxes, const std::string& name, const std::vector<std::wstring>& pieces,
                   UINT icon = MB_ICONERROR);
 void ExpectNoBox(BoxRecorder& boxes);
