@@ -135,6 +135,11 @@ TEST_F(Data, StringArraysInAllFourForms) {
     Fill(std::string(reinterpret_cast<const char*>(L"three\r\n"), 14));
     EXPECT_EQ(TOVARIN_FN(FileReadStrArrayMW)(h, into, 2, 1, 1), 1u);
     EXPECT_STREQ(small, L"th");
+    Fill("ab\r\nabc\r\n"); // a host buffer takes the whole line or nothing, without a zero
+    char first[2], second[2], *lines[2] = {first, second};
+    EXPECT_EQ(TOVARIN_FN(FileReadStrArrayA)(h, lines, 2, 2, 0, 2), TOVARIN_FAILED_COUNT);
+    ExpectOneBox(boxes, "FileReadStrArrayA", {L"Элемент массива: 1\r\nДлина строки: 3\r\nРазмер буфера: 2"});
+    EXPECT_EQ(std::string(first, 2), "ab");
 }
 
 } // namespace

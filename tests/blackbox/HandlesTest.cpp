@@ -97,12 +97,10 @@ TEST_F(Handles, OpenAndCreateByDispositionInBothForms) {
         {"FileOpenExisting", "", 0, L"OPEN_EXISTING"}, {"FileOpenExisting", "1234", 4, nullptr},
         {"FileOpenTruncate", "", 0, L"TRUNCATE_EXISTING"}, {"FileOpenTruncate", "1234", 0, nullptr}};
     // clang-format on
-    // 8-bit paths are read in the system code page: the name starts with its letter 0xE9, if it has one.
-    wchar_t letter = 0;
-    const bool single = ::MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, "\xE9", 1, &letter, 1) == 1;
-    const std::wstring name = L"sub\\" + (single ? std::wstring(1, letter) : L"") + L"d.bin",
+    // 8-bit paths are read in the system code page: the name has an accented letter where it can spell it.
+    const std::wstring name = Narrow(L"\u00e9", CP_ACP).empty() ? L"sub\\d.bin" : L"sub\\\u00e9d.bin",
                        path = dir / name;
-    const std::string pathA = Narrow(dir.Path(), CP_ACP) + "\\sub\\" + (single ? "\xE9" : "") + "d.bin";
+    const std::string pathA = Narrow(path, CP_ACP);
     for (const bool a : {false, true}) {
         // W: writing only, reading shared; A: the defaults, reading and writing, both shared.
         const u64 access = a ? TOVARIN_DEFAULT : GENERIC_WRITE, share = a ? TOVARIN_DEFAULT : FILE_SHARE_READ;

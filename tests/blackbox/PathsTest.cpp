@@ -72,9 +72,9 @@ TEST_F(Paths, CopyMoveDeleteAndLinksByPathAndByHandle) {
 // The check, which only looks, refuses only null.
 TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
     const std::wstring cwd = dir / L"cwd";
-    ::CreateDirectoryW(cwd.c_str(), nullptr);
+    std::filesystem::create_directories(cwd +
+                                        L"\\rel"); // an existing relative folder is refused all the same
     CurrentFolder current(cwd);
-    ::CreateDirectoryW(L"rel", nullptr); // an existing relative folder is refused all the same
     void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
     const std::wstring to = dir / L"to.bin", wild = dir / L"*.bin", blank = dir / L"x.bin ";
     const std::string srcA = Narrow(src, CP_ACP), toA = Narrow(to, CP_ACP);

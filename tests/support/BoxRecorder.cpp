@@ -15,11 +15,11 @@ std::wstring TextOf(HWND window) {
 // The system icon that the box shows: error and notice boxes differ by it.
 UINT IconOf(HWND box) {
     for (HWND c = ::GetWindow(box, GW_CHILD); c != nullptr; c = ::GetWindow(c, GW_HWNDNEXT))
-        for (const auto& [icon, flag] :
-             {std::make_pair(IDI_ERROR, MB_ICONERROR), std::make_pair(IDI_INFORMATION, MB_ICONINFORMATION)})
-            if ((::GetWindowLongW(c, GWL_STYLE) & SS_TYPEMASK) == SS_ICON &&
-                ::SendMessageW(c, STM_GETICON, 0, 0) == reinterpret_cast<LRESULT>(::LoadIcon(nullptr, icon)))
-                return flag;
+        if (const LRESULT icon = ::SendMessageW(c, STM_GETICON, 0, 0))
+            return icon == reinterpret_cast<LRESULT>(::LoadIcon(nullptr, IDI_ERROR)) ? MB_ICONERROR
+                   : icon == reinterpret_cast<LRESULT>(::LoadIcon(nullptr, IDI_INFORMATION))
+                       ? MB_ICONINFORMATION
+                       : 0;
     return 0;
 }
 

@@ -72,8 +72,7 @@ template <class R, class... A> u64 Run(FARPROC proc, const CallArgs& args) {
 }
 
 struct ExportRow {
-    const char* name;
-    const char* signature;
+    const char *name, *signature;
     u64 neutral; // Bits of the neutral result; 0 for void
     u64 (*run)(FARPROC, const CallArgs&);
     bool byHandle; // the first argument is a handle
