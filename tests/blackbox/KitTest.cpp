@@ -26,10 +26,6 @@ using Seen = std::tuple<size_t, size_t, long long>; // boxes, lines in the log, 
 
 namespace {
 
-mql::string Text(const std::string& bytes) { // byte by byte
-    return std::u16string(reinterpret_cast<const unsigned char*>(bytes.data()),
-                          reinterpret_cast<const unsigned char*>(bytes.data()) + bytes.size());
-}
 template <class C> std::string Bytes(const C& items) { // as they lie in memory
     return std::string(reinterpret_cast<const char*>(items.data()), items.size() * sizeof(items[0]));
 }
@@ -71,15 +67,15 @@ protected:
     mql::CTovarinFile file;
 };
 
-// The content (UTF-16 widens it byte by byte), the lines a reader finds in it after a one-character
-// header, the text that TovarinReadStringA/W leave of it (less trailing spaces, tabs, CR and LF). A lone
-// CR or LF belongs to its line; text after the last line end is no line.
+// The content, the lines a reader finds in it after a one-character header, the text that
+// TovarinReadStringA/W leave of it (less trailing spaces, tabs, CR and LF). A lone CR or LF belongs to
+// its line; text after the last line end is no line.
 // clang-format off
-const std::tuple<std::string, std::vector<std::string>, std::string> kLines[] = {
-    {"\r\r\na\r\n\r\nb c\rd\ne\r\n", {"\r", "a", "", "b c\rd\ne"}, "\r\r\na\r\n\r\nb c\rd\ne"},
-    {"\xE9t\xE9\r\n\xFF\r\nz", {"\xE9t\xE9", "\xFF"}, "\xE9t\xE9\r\n\xFF\r\nz"},
-    {" \t\r\n", {" \t"}, ""},
-    {"", {}, ""}};
+const std::tuple<std::wstring, std::vector<std::wstring>, std::wstring> kLines[] = {
+    {L"\r\r\na\r\n\r\nb c\rd\ne\r\n", {L"\r", L"a", L"", L"b c\rd\ne"}, L"\r\r\na\r\n\r\nb c\rd\ne"},
+    {L"\xE9t\xE9\r\n\xFF\r\nz", {L"\xE9t\xE9", L"\xFF"}, L"\xE9t\xE9\r\n\xFF\r\nz"},
+    {L" \t\r\n", {L" \t"}, L""},
+    {L"", {}, L""}};
 // clang-format on
 
 // The helpers of the library's string-array format: lines read from the pointer on, the pointer left at
@@ -88,22 +84,22 @@ TEST_F(Kit, HelperLinesAndStrings) {
     const mql::mlong h = file.Handle();
     for (const auto& [content, expected, trimmed] : kLines)
         for (const bool wide : {true, false}) {
-            SCOPED_TRACE(content + (wide ? " (W)" : " (A)"));
-            const auto bytes = [wide](const std::string& s) { return wide ? Bytes(Text(s)) : s; };
-            Array<mql::string> lines, read;
-            std::string joined;
-            for (const std::string& line : expected)
-                lines.items.push_back(Text(line)), joined += line + "\r\n";
-            Fill(bytes("#" + content), wide ? 2 : 1);
+            SCOPED_TRACE(Narrow(content) + (wide ? " (W)" : " (A)"));
+            const auto bytes = [wide](const std::wstring& s) { return wide ? Bytes(s) : Narrow(s, CP_ACP); };
+            Array<mql::string> lines{{expected.begin(), expected.end()}}, read;
+            std::wstring joined;
+            for (const std::wstring& line : expected)
+                joined += line + L"\r\n";
+            Fill(bytes(L"#" + content), wide ? 2 : 1);
             EXPECT_EQ((wide ? mql::TovarinReadLinesW : mql::TovarinReadLinesA)(h, read), expected.size());
             EXPECT_EQ(read.items, lines.items);
-            EXPECT_EQ(mql::FileGetPointer(h), static_cast<mql::mlong>(bytes("#" + content).size()));
+            EXPECT_EQ(mql::FileGetPointer(h), static_cast<mql::mlong>(bytes(L"#" + content).size()));
             EXPECT_EQ((wide ? mql::TovarinWriteLinesW : mql::TovarinWriteLinesA)(h, lines), expected.size());
-            EXPECT_EQ(ReadFileBytes(dir / L"file"), bytes("#" + content + joined));
+            EXPECT_EQ(ReadFileBytes(dir / L"file"), bytes(L"#" + content + joined));
             mql::string text = u"old"_s;
             mql::FileSetPointerBegin(h, wide ? 2 : 1);
             EXPECT_TRUE((wide ? mql::TovarinReadStringW : mql::TovarinReadStringA)(h, content.size(), text));
-            EXPECT_EQ(text, Text(trimmed));
+            EXPECT_EQ(text, mql::string(trimmed));
         }
 }
 
@@ -119,29 +115,26 @@ TEST_F(Kit, EachHelperFailureIsExplainedOnce) {
     const auto shortOfMemory = [&](int resizes) {
         return Fill("a\r\nb\r\n", 0), mql::resizesBeforeFailure = resizes, h;
     };
-    // The call, its result, a piece of the box or of the line in the log.
-    // clang-format off
-    const std::tuple<std::function<unsigned long long()>, unsigned long long, const wchar_t*> kFailures[] = {
-        {[&] { return mql::TovarinReadLinesW(bad, lines); }, ~0ull, L"FileSetPointerCurrent"},
-        {[&] { return mql::TovarinWriteLinesW(bad, one); }, ~0ull, L"FileWriteStringW"},
-        {[&] { return mql::TovarinWriteLinesA(bad, one); }, ~0ull, L"FileWriteVoid"},
-        {[&] { return +mql::TovarinReadStringA(bad, 4, text); }, 0, L"FileReadVoid"},
-        {[&] { return +mql::TovarinReadStringW(bad, 4, text); }, 0, L"FileReadUShortArray"},
-        {[&] { return mql::TovarinReadLinesW(sized((4ull << 30) + 6), lines); }, ~0ull, L"2 GiB"},
-        {[&] { return +mql::TovarinReadStringA(h, 3ull << 30, text); }, 0, L"2 GiB"},
-        {[&] { return mql::TovarinReadLinesA(shortOfMemory(0), lines); }, ~0ull, L"cannot resize"},
-        {[&] { return mql::TovarinReadLinesA(shortOfMemory(1), lines); }, ~0ull, L"cannot resize"},
-        {[&] { return mql::TovarinReadLinesW(shortOfMemory(0), lines); }, ~0ull, L"cannot resize"},
-        {[&] { return +mql::TovarinReadStringA(shortOfMemory(0), 4, text); }, 0, L"cannot resize"},
-        // TovarinAnsi leaves an empty text when the text and its zero overflow a static array
-        {[&] { return mql::TovarinAnsi(u"abc"_s, ansi) + ansi[0]; }, 0, L"no room"},
-        {[&] { return shortOfMemory(1), file.ReadLines(lines); }, ~0ull, L"cannot resize"}};
-    // clang-format on
-    for (const auto& [call, result, why] : kFailures) {
-        SCOPED_TRACE(why);
-        EXPECT_EQ(call(), result);
+    int row = 0; // each call, its result, a piece of the one box or line in the log that explains it
+    const auto once = [&](unsigned long long got, unsigned long long result, const wchar_t* why) {
+        SCOPED_TRACE(testing::Message() << "row " << row++);
+        EXPECT_EQ(got, result);
         EXPECT_HAS(Shown(), why);
-    }
+    };
+    once(mql::TovarinReadLinesW(bad, lines), ~0ull, L"FileSetPointerCurrent");
+    once(mql::TovarinWriteLinesW(bad, one), ~0ull, L"FileWriteStringW");
+    once(mql::TovarinWriteLinesA(bad, one), ~0ull, L"FileWriteVoid");
+    once(mql::TovarinReadStringA(bad, 4, text), 0, L"FileReadVoid");
+    once(mql::TovarinReadStringW(bad, 4, text), 0, L"FileReadUShortArray");
+    once(mql::TovarinReadLinesW(sized((4ull << 30) + 6), lines), ~0ull, L"2 GiB");
+    once(mql::TovarinReadStringA(h, 3ull << 30, text), 0, L"2 GiB");
+    once(mql::TovarinReadLinesA(shortOfMemory(0), lines), ~0ull, L"cannot resize");
+    once(mql::TovarinReadLinesA(shortOfMemory(1), lines), ~0ull, L"cannot resize");
+    once(mql::TovarinReadLinesW(shortOfMemory(0), lines), ~0ull, L"cannot resize");
+    once(mql::TovarinReadStringA(shortOfMemory(0), 4, text), 0, L"cannot resize");
+    once(mql::TovarinAnsi(u"abc"_s, ansi), 0, L"no room");
+    EXPECT_EQ(ansi[0], 0); // an empty text when the text and its zero overflow a static array
+    once((shortOfMemory(1), file.ReadLines(lines)), ~0ull, L"cannot resize"); // the lines stay in the file
     EXPECT_EQ(file.ReadLines(lines), 2);
 }
 
@@ -176,7 +169,6 @@ TEST_F(Kit, ExampleExportsBarsAndHandsOverACopy) {
     EXPECT_EQ(ReadFileBytes(dir / L"Tovarin\\Inbox\\EUR_USD_H1.bars"), bytes);
 }
 
-// Where MQL5's rules differ from C++'s, the prelude of the translated kit follows MQL5's.
 TEST(KitTranslation, KeepsMql5Rules) {
     mql::string a = u"x"_s, b = a;
     b += u"y"_s;
@@ -202,16 +194,14 @@ TEST_F(Kit, TextInEveryEncodingAndLineEnd) {
         for (int bits = 0; bits < 8; ++bits) {
             const bool crlf = bits & 1, ended = bits & 2, follow = bits & 4;
             SCOPED_TRACE(testing::Message() << encoding << crlf << ended << follow);
-            const auto encoded = [encoding](const std::u16string& text) { // by the system, not by the kit
-                const std::wstring wide(text.begin(), text.end());
-                return encoding == TOVARIN_UTF16
-                           ? Bytes(text)
-                           : Narrow(wide, encoding == TOVARIN_CODEPAGE ? 1252 : CP_UTF8);
+            const auto encoded = [encoding](const std::wstring& s) { // by the system, not by the kit
+                return encoding == TOVARIN_UTF16 ? Bytes(s)
+                                                 : Narrow(s, encoding == TOVARIN_CODEPAGE ? 1252 : CP_UTF8);
             };
-            const std::u16string end = crlf ? u"\r\n" : u"\n";
+            const std::wstring end = crlf ? L"\r\n" : L"\n";
             const std::string written =
-                marks[encoding] + encoded(u"Z\u00fcrich;1.5" + end + end + u"a\rb" + end);
-            const std::string tail = ended ? "" : encoded(u"t\u00e9");
+                marks[encoding] + encoded(L"Z\u00fcrich;1.5" + end + end + L"a\rb" + end);
+            const std::string tail = ended ? "" : encoded(L"t\u00e9");
             mql::CTovarinFile reader; // it finds the encoding by its mark, or is told
             mql::FileClear(file.Handle());
             file.SetText(encoding, crlf, 1252);
@@ -315,7 +305,6 @@ TEST_F(Kit, OpenFlagsAndClose) {
     EXPECT_EQ(Take(), Seen(0, 1, 0));
 }
 
-// The path check in MQL5 and the DLL's own verdict agree on every row, for the same reason.
 TEST_F(Kit, PathCheckAgreesWithTheLibrary) {
     const std::wstring base = dir.Path() + L"\\";
     std::vector<std::wstring> paths = {L"C:a.txt", L"\\a.txt", L"a.txt",         L"Files\\a.txt",
@@ -360,11 +349,11 @@ TEST_F(Kit, FollowerPrintsWhatTheWriterWrites) {
         writer::OnTick(), writer::OnTick(), follower::OnTimer(); // a line a bar
     writer::OnDeinit(0), follower::OnDeinit(0);
     const std::vector<std::u16string> printed = mql::TakeJournal();
-    std::u16string lines = u"time,symbol,signal,close\r\n"; // the header, then what the follower printed
+    std::wstring lines = L"time,symbol,signal,close\r\n"; // the header, then what the follower printed
     for (const std::u16string& line : printed)
-        lines += line.substr(8) + u"\r\n"; // less "Signal: "
+        lines += std::wstring(line.begin() + 8, line.end()) + L"\r\n"; // less "Signal: "
     EXPECT_EQ(printed.size(), 3u);
-    EXPECT_EQ(Text(ReadFileBytes(dir / L"Tovarin\\signals.csv")), lines);
+    EXPECT_EQ(ReadFileBytes(dir / L"Tovarin\\signals.csv"), Narrow(lines));
 }
 
 // The records example: a count and the bars, a count and the ticks, as they lie in memory, each array
