@@ -367,16 +367,15 @@ TEST_F(Kit, RecordsWrittenAsTheyLieInMemory) {
     Array<mql::MqlTick> ticks;
     mql::CopyRates(mql::_Symbol, mql::_Period, 0, 100, rates);
     mql::CopyTicks(mql::_Symbol, ticks, mql::COPY_TICKS_ALL, 0, 50);
-    const std::string bytes = "d\0\0\0"s + Bytes(rates.items) + "2\0\0\0"s + Bytes(ticks.items);
-    EXPECT_TRUE(ReadFileBytes(dir / L"Tovarin\\records.bin") == bytes);
+    const std::string barBytes = Bytes(rates.items), tickBytes = Bytes(ticks.items);
+    EXPECT_TRUE(ReadFileBytes(dir / L"Tovarin\\records.bin") ==
+                "d\0\0\0"s + barBytes + "2\0\0\0"s + tickBytes);
     int bars = 0, count = 0;
     rates.items.assign(100, {}), ticks.items.assign(50, {});
     ASSERT_TRUE(file.Open(dir / L"Tovarin\\records.bin", mql::FILE_READ));
     EXPECT_TRUE(file.Read(bars) && file.ReadArray(rates) == 100 && file.Read(count) &&
                 file.ReadArray(ticks) == 50);
-    EXPECT_TRUE(Bytes(std::vector{bars}) + Bytes(rates.items) + Bytes(std::vector{count}) +
-                    Bytes(ticks.items) ==
-                bytes);
+    EXPECT_TRUE(Bytes(rates.items) == barBytes && Bytes(ticks.items) == tickBytes);
 }
 
 } // namespace
