@@ -178,6 +178,7 @@ TEST(KitTranslation, KeepsMql5Rules) {
     Array<int> dynamic, fixed = Array<int>::Static(3, {}), values = Array<int>::Static(0, {1, 2});
     EXPECT_EQ(mql::ArraySize(dynamic), 0);
     EXPECT_EQ(mql::ArrayResize(dynamic, 5), 5);
+    EXPECT_EQ(dynamic[4], int(0xA5A5A5A5));    // new elements are not initialised
     EXPECT_EQ(mql::ArrayResize(fixed, 5), -1); // a static array keeps its size
     EXPECT_EQ(mql::ArraySize(fixed), 3);
     EXPECT_EQ(values[1], 2);
@@ -345,8 +346,8 @@ TEST_F(Kit, FollowerPrintsWhatTheWriterWrites) {
     ASSERT_EQ(follower::OnInit(), mql::INIT_SUCCEEDED);
     follower::OnTimer();
     ASSERT_EQ(writer::OnInit(), mql::INIT_SUCCEEDED);
-    for (int bar = 0; bar < 3; ++bar, ++mql::history)
-        writer::OnTick(), writer::OnTick(), follower::OnTimer(); // a line a bar
+    for (int bar = 0; bar < 3; ++bar, ++mql::history) // a line a bar; the writer restarts in between
+        writer::OnTick(), writer::OnTick(), follower::OnTimer(), writer::OnDeinit(0), writer::OnInit();
     writer::OnDeinit(0), follower::OnDeinit(0);
     const std::vector<std::u16string> printed = mql::TakeJournal();
     std::wstring lines = L"time,symbol,signal,close\r\n"; // the header, then what the follower printed
