@@ -119,9 +119,8 @@ TEST(PinnedSites, TextsShowTheirFileAndLine) {
     for (const auto& [file, line, call] : sites) {
         std::wstring text = Thrown(call); // then the box, if one was shown
         text += boxes.Boxes().empty() ? L"" : boxes.Boxes()[0].text;
-        EXPECT_HAS(text,
-                   L"File: \"" + (file + (L"\"\r\nLine: " + (line ? std::to_wstring(line) + L"\r\n" : L""))))
-            << line;
+        const std::wstring where = L"File: \"" + std::wstring(file) + L"\"\r\nLine: ";
+        EXPECT_HAS(text, line == 0 ? where : where + std::to_wstring(line) + L"\r\n") << line;
     }
     EXPECT_TRUE(boxes.Boxes().size() == 1 && boxes.Boxes()[0].icon == MB_ICONINFORMATION);
 }
