@@ -74,7 +74,9 @@ TEST(Seam, FailedCallsAndTheArgumentsOfEachCall) {
     calls->createHardLink = [](LPCWSTR, LPCWSTR, LPSECURITY_ATTRIBUTES) { return ::SetLastError(0), FALSE; };
     const std::wstring text = Thrown([&] { Utils::File::HardLink(target, dir / L"link.bin"); });
     EXPECT_EQ(text.find(L"Last Error"), std::wstring::npos);
-    EXPECT_HAS(text, L"ссылка на файл:\r\n\"" + target + L"\"\r\nВозможной причиной может быть попытка");
+    EXPECT_HAS(text, L"Не создана жёсткая ссылка на файл:\r\n\"" + target +
+                         L"\"\r\nВозможной причиной может быть попытка создания жёсткой ссылки на путь, "
+                         L"который уже является ссылкой с другого диска.");
 
     calls->fileOperation = [](LPSHFILEOPSTRUCTW o) -> int {
         o->fAnyOperationsAborted = g.result;

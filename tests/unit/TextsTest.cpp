@@ -29,6 +29,7 @@ TEST(Composer, HeadingsMessageAndLastErrorBlock) {
     const struct { const wchar_t *where, *text; long lastError; std::wstring composed; } cases[] = {
         {L"g(long)[f][d]\r\nL", L"", -1, L"Обнаружена ошибка функцией \"g(long)\"!\r\nL"},
         {L"g(long)[f][w]\r\nL", L"", -1, L"Предупреждение функции \"g(long)\"!\r\nL"},
+        {L"C::m(long)[x]\r\nL", L"", -1, L"Ошибка в методе \"C::m(long)\"!\r\nL"},
         {L"o(long)[o]\r\nL", L"", -1, L"Ошибка в операторе \"o(long)\"!\r\nL"},
         {L"o(long)[O][D]\r\nL", L"", -1, L"Обнаружена ошибка оператором \"o(long)\"!\r\nL"},
         {L"a[][f]\r\nL", L"", -1, L"Ошибка в функции \"a[]()\"!\r\nL"},
@@ -46,13 +47,13 @@ TEST(Composer, HeadingsMessageAndLastErrorBlock) {
 // The first and last code of each run have entries (the first's English text begins so), the same
 // in code page 1251; the codes beside a run get the system's text; code 0 has one shared entry.
 TEST(DescriptionTables, EntriesAtTheEdgesOfEachRunAndCodesBesideThem) {
-    using namespace Utils::Error;
+    using namespace Utils;
     // clang-format off
     struct Run { long first, last; const wchar_t* text; };
     struct Table { std::function<std::wstring(long)> wide; std::function<std::string(long)> narrow;
                    const wchar_t* header; std::vector<Run> runs; };
     const Table tables[] = {
-        {InternetW, InternetA, L"\r\nLast Error: %ld.\r\n\r\n",
+        {Error::InternetW, Error::InternetA, L"\r\nLast Error: %ld.\r\n\r\n",
          {{12001, 12034, L"No more"}, {12036, 12050, L"The request failed"}, {12052, 12057, L"The data"},
           {12110, 12112, L"The requested operation"}, {12130, 12138, L"An error was detected while parsing"},
           {12150, 12175, L"The requested header"}}},
@@ -67,20 +68,18 @@ TEST(DescriptionTables, EntriesAtTheEdgesOfEachRunAndCodesBesideThem) {
           {0x10074, 0x10074, L"Destination"}}}};
     // clang-format on
     for (const Table& t : tables) {
-        EXPECT_EQ(t.wide(0),
-                  L"\r\nLast Error: 0.\r\n\r\nThe operation completed successfully.\r\n\r\nОперация "
-                  L"успешно завершена.\r\n\r\n");
+        EXPECT_EQ(t.wide(0), L"\r\nLast Error: 0.\r\n\r\nThe operation completed successfully.\r\n\r\n"
+                             L"Операция успешно завершена.\r\n\r\n");
         for (const Run& run : t.runs) {
             for (const long code : {run.first, run.last}) {
                 wchar_t header[40] = {};
                 std::swprintf(header, 40, t.header, code);
                 const std::wstring block = t.wide(code);
                 EXPECT_EQ(block.find(header + std::wstring(code == run.first ? run.text : L"")), 0u) << code;
-                EXPECT_TRUE(!t.narrow || Utils::CodingStr::AnsiToUnicode(t.narrow(code), 1251) == block)
-                    << code;
+                EXPECT_TRUE(!t.narrow || CodingStr::AnsiToUnicode(t.narrow(code), 1251) == block) << code;
             }
             for (const long code : {run.first - 1, run.last + 1})
-                EXPECT_TRUE(code == 0 || t.wide(code) == SystemDescriptionW(code)) << code;
+                EXPECT_TRUE(code == 0 || t.wide(code) == Error::SystemDescriptionW(code)) << code;
         }
     }
 }
@@ -92,8 +91,7 @@ struct PlantedEvent : Utils::Sync::Event { // an event holding a handle that is 
 
 TEST(PinnedSites, TextsShowTheirFileAndLine) {
     using namespace Utils;
-    using namespace Utils::String;
-    unsigned __int64 number = 1;
+    unsigned __int64 n = 1; // the occurrence asked for, taken by reference
     // clang-format off
     const struct { const wchar_t* file; int line; std::function<void()> call; } sites[] = { // line 0: any
         {L"Utils.Smart.cpp", 350, [] { Smart::Base().Release(); }},
@@ -105,10 +103,10 @@ TEST(PinnedSites, TextsShowTheirFileAndLine) {
         {L"Utils.StringBuffer.h", 97, [] { _STRINGBUF<wchar_t>().Init(std::wstring(), 0, ~0ull); }},
         {L"Utils.StringBuffer.h", 286, [] { _STRINGBUF<wchar_t> b; b.Init(L"ab", 0, 0); b.Copy(5, 1); }},
         {L"Utils.StringBuffer.h", 142, [] { _STRINGBUF<char>().Pointer<char>(0); }},
-        {L"Utils.Strings.cpp", 3793, [] { std::wstring s; ReplaceW(s, 0, 1, L'a', L'b'); }},
-        {L"Utils.Strings.cpp", 3981, [] { std::wstring s; UpperW(s, 0, 4294967295ul); }},
-        {L"Utils.Strings.cpp", 2976, [&] { PosByReverseNumberSubStringsW(L"a", L"", number, ~0ull, 0); }},
-        {L"Utils.Strings.cpp", 0, [] { Path::TrimNameFileCW(L"", 0); }},
+        {L"Utils.Strings.cpp", 3793, [] { std::wstring s; String::ReplaceW(s, 0, 1, L'a', L'b'); }},
+        {L"Utils.Strings.cpp", 3981, [] { std::wstring s; String::UpperW(s, 0, 4294967295ul); }},
+        {L"Utils.Strings.cpp", 2976, [&] { String::PosByReverseNumberSubStringsW(L"a", L"", n, ~0ull, 0); }},
+        {L"Utils.Strings.cpp", 0, [] { String::Path::TrimNameFileCW(L"", 0); }},
         {L"Utils.Synchronize.cpp", 509, [] { Sync::Mutex().Create(L"NoSuchNamespace\\x"); }},
         {L"Utils.Synchronize.cpp", 560, [] { Sync::Mutex m; m.Create(L""); m.Release(); }},
         {L"Utils.Synchronize.cpp", 341, [] { PlantedEvent().Close(); }},
