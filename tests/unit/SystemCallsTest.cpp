@@ -32,7 +32,7 @@ TEST(Seam, FailedCallsAndTheArgumentsOfEachCall) {
     Utils::FileHdd file;
     file.Init(dir / L"io.bin", nullptr, true);
     void* const handle = file.Create(CREATE_ALWAYS);
-    ASSERT_EQ(file._Write(handle, "keep", 4), 4u);
+    ASSERT_EQ(file._Write(handle, "keep", 4), 4u); // the pointer that the failure texts show
     Utils::ScopedSystemCalls calls;
     calls->writeFile = [](HANDLE, LPCVOID, DWORD, LPDWORD done, LPOVERLAPPED) -> BOOL {
         *done = g.done;
