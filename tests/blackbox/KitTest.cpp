@@ -350,11 +350,11 @@ TEST_F(Kit, FollowerPrintsWhatTheWriterWrites) {
         writer::OnTick(), writer::OnTick(), follower::OnTimer(), writer::OnDeinit(0), writer::OnInit();
     writer::OnDeinit(0), follower::OnDeinit(0);
     const std::vector<std::u16string> printed = mql::TakeJournal();
-    std::wstring lines = L"time,symbol,signal,close\r\n"; // the header, then what the follower printed
+    std::u16string lines = u"time,symbol,signal,close\r\n"; // the header, then what the follower printed
     for (const std::u16string& line : printed)
-        lines += std::wstring(line.begin() + 8, line.end()) + L"\r\n"; // less "Signal: "
+        lines += line.substr(8) + u"\r\n"; // less "Signal: "
     EXPECT_EQ(printed.size(), 3u);
-    EXPECT_EQ(ReadFileBytes(dir / L"Tovarin\\signals.csv"), Narrow(lines));
+    EXPECT_EQ(ReadFileBytes(dir / L"Tovarin\\signals.csv"), Narrow({lines.begin(), lines.end()}));
 }
 
 // The records example: a count and the bars, a count and the ticks, as they lie in memory, each array
