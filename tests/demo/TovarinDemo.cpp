@@ -4,7 +4,6 @@
 #include "support/TempDir.h"
 
 #include <cstdio>
-#include <string>
 
 int main() {
     TestSupport::BoxRecorder boxes; // the library's failure boxes are recorded and closed

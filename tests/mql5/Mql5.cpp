@@ -8,12 +8,10 @@ namespace mql {
 // one takes what fits.
 int StringToCharArray(const string& s, Array<uchar>& a, int start, int count, uint cp) {
     const int chars = count < 0 || count > StringLen(s) ? StringLen(s) : count;
-    const auto* wide = reinterpret_cast<const wchar_t*>(s.text.c_str());
     static thread_local std::vector<char> bytes; // one conversion into room enough for any code page
-    if (bytes.size() < 3 * static_cast<std::size_t>(chars) + 1)
-        bytes.resize(3 * static_cast<std::size_t>(chars) + 1);
-    int n =
-        chars == 0 ? 0 : ::WideCharToMultiByte(cp, 0, wide, chars, bytes.data(), 3 * chars, nullptr, nullptr);
+    bytes.resize(std::max(bytes.size(), 3 * static_cast<std::size_t>(chars) + 1));
+    int n = ::WideCharToMultiByte(cp, 0, reinterpret_cast<const wchar_t*>(s.c_str()), chars, bytes.data(),
+                                  3 * chars, nullptr, nullptr); // 0 for no characters
     if (count < 0)
         bytes[n++] = 0;
     if (start < 0)

@@ -1,8 +1,7 @@
 #pragma once
 // MQL5's types and built-in functions as far as the kit uses them, for the C++ of translate.py. Where
-// MQL5 and C++ differ, this follows MQL5: strings are values, an index out of range stops the program
-// (throws Stop, which fails the test), ArrayResize returns -1, and new elements are not initialised
-// (0xA5 bytes here, so that code which reads them first shows it).
+// MQL5 and C++ differ, this follows MQL5 (CONTRIBUTING.md lists how); new elements are not initialised
+// but hold 0xA5 bytes, so that code which reads them first shows it.
 #include <algorithm>
 #include <climits>
 #include <cstdio>
@@ -27,23 +26,18 @@ const int WHOLE_ARRAY = -1;
 const ulong ULONG_MAX_ = ~0ull;
 const uint CP_ACP = 0, CP_UTF8 = 65001;
 
-struct Stop : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
+using Stop = std::out_of_range; // an index out of range stops the program, and fails the test
 
 // UTF-16 text with value semantics; `+` with an integer appends its digits.
-struct string {
-    std::u16string text;
-    string(std::u16string s = u"") : text(std::move(s)) {}
-    string& operator+=(const string& s) { return text += s.text, *this; }
-    friend string operator+(string a, const string& b) { return a += b; }
+struct string : std::u16string {
+    string(std::u16string s = u"") : std::u16string(std::move(s)) {}
+    string(const std::wstring& s) : std::u16string(s.begin(), s.end()) {} // the tests' paths
+    friend string operator+(string a, const string& b) { return a.append(b), a; }
     template <class T, class = std::enable_if_t<std::is_integral_v<T>>>
     friend string operator+(string a, T n) {
         const std::string digits = std::to_string(n);
-        return a.text.append(digits.begin(), digits.end()), a;
+        return a.append(digits.begin(), digits.end()), a;
     }
-    friend bool operator==(const string& a, const string& b) { return a.text == b.text; }
-    friend bool operator!=(const string& a, const string& b) { return a.text != b.text; }
 };
 inline string operator""_s(const char16_t* s, std::size_t n) {
     return std::u16string(s, n);
@@ -92,10 +86,9 @@ template <class T> void ArrayFree(Array<T>& a) {
     if (!a.fixed)
         decltype(a.items)().swap(a.items);
 }
-template <class T> int ArrayResize(Array<T>& a, int size, int reserve = 0) {
+template <class T> int ArrayResize(Array<T>& a, int size) {
     if (a.fixed || size < 0 || resizesBeforeFailure-- == 0)
         return -1;
-    a.items.reserve(static_cast<std::size_t>(size) + std::max(reserve, 0));
     a.items.resize(size, Unset<T>());
     return size;
 }
@@ -107,18 +100,17 @@ template <class T> std::vector<T> Slice(const Array<T>& a, int start, int count)
     return std::vector<T>(first, std::find(first, a.Data() + end, T(0)));
 }
 inline int StringLen(const string& s) {
-    return static_cast<int>(s.text.size());
+    return static_cast<int>(s.size());
 }
 inline int StringFind(const string& s, const string& what, int start = 0) {
-    const std::size_t at = start < 0 ? std::u16string::npos : s.text.find(what.text, start);
-    return at == std::u16string::npos ? -1 : static_cast<int>(at);
+    const std::size_t at = start < 0 ? s.npos : s.find(what, start);
+    return at == s.npos ? -1 : static_cast<int>(at);
 }
 inline bool StringReserve(string& s, uint capacity) {
-    return s.text.reserve(capacity), true;
+    return s.reserve(capacity), true;
 }
 inline string StringSubstr(const string& s, int start, int length = -1) {
-    return start < 0 || start >= StringLen(s) ? string()
-                                              : s.text.substr(start, length < 0 ? s.text.npos : length);
+    return start < 0 || start >= StringLen(s) ? string() : s.substr(start, length < 0 ? s.npos : length);
 }
 int StringToCharArray(const string& s, Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
 string CharArrayToString(const Array<uchar>& a, int start = 0, int count = -1, uint cp = CP_ACP);
@@ -127,15 +119,15 @@ inline string ShortArrayToString(const Array<ushort>& a, int start = 0, int coun
     return std::u16string(units.begin(), units.end());
 }
 inline ushort StringGetCharacter(const string& s, int pos) {
-    return pos >= 0 && pos < StringLen(s) ? s.text[pos] : 0;
+    return pos >= 0 && pos < StringLen(s) ? s[pos] : 0;
 }
 inline bool StringSetCharacter(string& s, int pos, ushort c) {
-    return pos >= 0 && pos < StringLen(s) && (s.text[pos] = c, true);
+    return pos >= 0 && pos < StringLen(s) && (s[pos] = c, true);
 }
 inline int StringReplace(string& s, const string& find, const string& by) {
     int n = 0;
-    for (std::size_t at = 0; !find.text.empty() && (at = s.text.find(find.text, at)) != s.text.npos; ++n)
-        s.text.replace(at, find.text.size(), by.text), at += by.text.size();
+    for (std::size_t at = 0; !find.empty() && (at = s.find(find, at)) != s.npos; ++n)
+        s.replace(at, find.size(), by), at += by.size();
     return n;
 }
 
@@ -145,16 +137,11 @@ inline std::vector<std::u16string> TakeJournal() {
     return std::move(journal);
 }
 template <class... A> void Print(const A&... parts) {
-    journal.push_back((u""_s + ... + parts).text);
+    journal.push_back((u""_s + ... + parts));
 }
-template <class... A> void PrintFormat(string format, const A&... args) {
-    const auto next = [&format](const string& value) {
-        const auto at = format.text.find(u'%'), end = format.text.find_first_of(u"ds", at);
-        if (end != format.text.npos)
-            format.text.replace(at, end + 1 - at, value.text);
-    };
-    (next(u""_s + args), ...);
-    journal.push_back(format.text);
+template <class... A> void PrintFormat(string format, const A&... args) { // each %d or %s in turn
+    (format.replace(format.find(u'%'), 2, u""_s + args), ...);
+    journal.push_back(format);
 }
 
 // Each prototype of `#import "Tovarin.dll"` calls the export of its name, passing what MQL5 passes:
@@ -162,7 +149,7 @@ template <class... A> void PrintFormat(string format, const A&... args) {
 void* Bind(const char* name);
 template <class T> auto Abi(T& value) {
     if constexpr (std::is_same_v<std::remove_const_t<T>, string>)
-        return reinterpret_cast<const wchar_t*>(value.text.c_str());
+        return reinterpret_cast<const wchar_t*>(value.c_str());
     else if constexpr (std::is_arithmetic_v<T>)
         return value;
     else
@@ -212,22 +199,17 @@ inline int CopyRates(const string& symbol, ENUM_TIMEFRAMES, int start, int count
     count = std::min(count, history - start);
     if (symbol != _Symbol || start < 0 || count <= 0 || ArrayResize(rates, count) != count)
         return -1;
-    for (int i = 0, bar = history - start - count; i < count; ++i, ++bar) {
-        const double open = 1.1 + bar % 97 * 1e-4;
-        rates[i] = {1704067200 + 3600LL * bar, open,           open + 5e-4, open - 4e-4,
-                    open + bar % 5 * 1e-4,     100 + bar % 37, bar % 7,     1000LL * bar};
-    }
+    for (int i = 0, bar = history - start - count; i < count; ++i, ++bar) // a value of its own in each field
+        rates[i] = {1704067200 + 3600LL * bar, 1.1 + bar % 97 * 1e-4, 1.2,     1.0,
+                    1.1 + bar % 5 * 1e-4,      100 + bar % 37,        bar % 7, 1000LL * bar};
     return count;
 }
 // A tick a second from 2024-01-01 on, the newest last.
 enum ENUM_COPY_TICKS { COPY_TICKS_ALL };
-inline int CopyTicks(const string& symbol, Array<MqlTick>& ticks, ENUM_COPY_TICKS, ulong, uint count) {
-    if (symbol != _Symbol || ArrayResize(ticks, count) != int(count))
-        return -1;
-    for (uint i = 0; i < count; ++i) {
-        const double bid = 1.1 + i % 7 * 1e-5;
-        ticks[i] = {1704067200 + i, bid, bid + 2e-4, 0, i % 4, 1704067200000LL + 1000 * i, 6, 0};
-    }
+inline int CopyTicks(const string&, Array<MqlTick>& ticks, ENUM_COPY_TICKS, ulong, uint count) {
+    ArrayResize(ticks, count);
+    for (uint i = 0; i < count; ++i)
+        ticks[i] = {1704067200 + i, 1.1 + i % 7 * 1e-5, 1.1002, 0, i % 4, 1704067200000LL + 1000 * i, 6, 0.5};
     return count;
 }
 const int _Digits = 5, INIT_SUCCEEDED = 0, INIT_FAILED = 1, INIT_PARAMETERS_INCORRECT = 32767;
