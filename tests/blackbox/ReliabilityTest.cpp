@@ -18,7 +18,7 @@ TEST(Reliability, ATransferHoldsItsFileAgainstWritesAndACloseInUse) {
     BoxRecorder boxes;
     void* h = TOVARIN_FN(FileOpenExistingW)(name.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
     DWORD moved = 0, waiting = ~0u;
-    const auto later = [](const std::function<void()>& call) { // after time to start waiting
+    const auto later = [](const std::function<void()>& call) { // a thread, given time to start waiting
         std::thread thread([call] {
             BoxRecorder boxes;
             call();

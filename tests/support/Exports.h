@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <tuple>
+#include <type_traits>
 #include <vector>
 
 namespace TestSupport {
