@@ -35,7 +35,8 @@ TEST_F(Paths, CopyMoveDeleteAndLinksByPathAndByHandle) {
     const std::pair<const wchar_t*, const char*> tree[] = {{L"c\\m.bin", "source"}, {L"c\\b\\copy.bin", "source"},
         {L"copy.bin", "source"}, {L"copy2.bin", "!!!!ce"}, {L"l\\hard.bin", "!!!!ce"}, {L"sub\\link.bin", "!!!!ce"}};
     // clang-format on
-    void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, 7);
+    void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT,
+                                            TOVARIN_SHARE_READ | TOVARIN_SHARE_WRITE | TOVARIN_SHARE_DELETE);
     for (const auto& s : steps) {
         const std::wstring to = s.to ? dir / s.to : L"", first = s.from ? dir / s.from : to; // by handle: to
         const std::string firstA = Narrow(first, CP_ACP), toA = Narrow(to, CP_ACP);
@@ -72,8 +73,7 @@ TEST_F(Paths, CopyMoveDeleteAndLinksByPathAndByHandle) {
 // The check, which only looks, refuses only null.
 TEST_F(Paths, BadPathsAreRefusedBeforeAnySystemCall) {
     const std::wstring cwd = dir / L"cwd";
-    std::filesystem::create_directories(cwd +
-                                        L"\\rel"); // an existing relative folder is refused all the same
+    std::filesystem::create_directories(cwd + L"\\rel"); // an existing relative folder is refused too
     CurrentFolder current(cwd);
     void* h = TOVARIN_FN(FileOpenExistingW)(src.c_str(), TOVARIN_DEFAULT, TOVARIN_DEFAULT);
     const std::wstring to = dir / L"to.bin", wild = dir / L"*.bin", blank = dir / L"x.bin ";
